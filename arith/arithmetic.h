@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+// Add, Sub, Mul, AddC, SubC, MulC: image level. `binary` and `constant` write a third image, their _I forms the second
+// operand. The first operand of a row kernel is pSrc1 or the constant, so that Sub gives pSrc2 - pSrc1 and pSrc - value.
+#pragma once
+
+#include "arith/rows.h"
+#include "arith/scale_path.h"
+#include "signal/mul_32sc.h"
+#include "signal/pixel_row.h"
+
+namespace zeti {
+
+namespace detail {
+
+// The row kernels' operation on real lanes.
+template <class Op, class T> struct LaneOp { using type = Op; };
+template <> struct LaneOp<Mul, Zet16sc> { using type = MulComplex16; };
+template <> struct LaneOp<Mul, Zet32fc> { using type = MulComplex32f; };
+
+// Calls use(kernel) with the row kernel of the path. The choice is made once per call.
+template <class Op, class T, class Use> void with_kernel(Path path, int s, Use use) {
+    using R = Real<T>;
+    using K = typename LaneOp<Op, T>::type;
+    if constexpr (std::is_floating_point_v<R>) {
+        use(Unscaled<K, R>());
+    } else {
+        switch (path) {
+        case Path::unscaled: return use(Unscaled<K, R>());
+        case Path::half: return use(Halved<K, R>());
+        case Path::down:
+            if constexpr (std::is_same_v<Op, Mul> && std::is_same_v<T, Zet16u>)
+                if (s > 16) return use(ScaledDownMul16uHigh(s));
+            return use(ScaledDown<K, R>(s));
+        case Path::up: return use(ScaledUp<K, R>(s));
+        case Path::bound: return use(Bound<K, R>());
+        case Path::zero: return;
+        }
+    }
+}
+
+// All paths of two operands, the checks passed. `a` gives the first operand by rows.
+template <class Op, class T, class L, Form F, class Operand>
+void arithmetic(const Operand& a, Src<T> b, Dst<T> dst, ZetiSize roi, int s) {
+    using R = Real<T>;
+    const Path path = std::is_floating_point_v<R> ? Path::unscaled : path_of(scale_range<Op, T>, s);
+    if (path == Path::zero) return clear<T, L>(dst, roi);
+    const Extent e = real_samples<T, L>(roi);
+    constexpr bool constants_of_pixel = (F == Form::constant || F == Form::constant_I) && L::channels > 1;
+    const bool fork = forks<T> && !L::keeps_alpha && (constants_of_pixel || fork_from<Op, T, F>.at(path, e));
+    with_kernel<Op, T>(path, s, [&](auto kernel) { run_rows<Writes<T, L>>(a, as<R>(b), as<R>(dst), e, fork, kernel); });
+}
+
+// 32sc products have no register form.
+template <class L, class Rows> void multiply_32sc(Rows a, Src<Zet32sc> b, Dst<Zet32sc> dst, ZetiSize roi, int s) {
+    if (s > scale_range<Mul, Zet32sc>.zeroAbove) return clear<Zet32sc, L>(dst, roi);
+    MulComplex32 kernel(s);
+    each_row(samples(roi, 1), [&](ptrdiff_t y) { pixel_row<L>(a(y), b.row(y), dst.row(y), roi.width, kernel); });
+}
+
+template <class Op, class T> inline constexpr bool by_pixel = std::is_same_v<Op, Mul> && std::is_same_v<T, Zet32sc>;
+
+template <class Op, class T, class L, Form F> void two_images(Src<T> a, Src<T> b, Dst<T> dst, ZetiSize roi, int s) {
+    if constexpr (by_pixel<Op, T>) multiply_32sc<L>([=](ptrdiff_t y) { return SampleRow<T>{a.row(y)}; }, b, dst, roi, s);
+    else arithmetic<Op, T, L, F>(ImageOperand<Real<T>>{as<Real<T>>(a)}, b, dst, roi, s);
+}
+
+template <class T, class L> ZetStatus check_width_first(ZetiSize roi) { return delegates<T, L> ? width(roi) : zetStsNoErr; }
+template <class T, class... Step> ZetStatus check_complex_step(Step... s) { return is_complex<T> ? step(s...) : zetStsNoErr; }
+
+} // namespace detail
+
+template <class Op, class T, class L>
+ZetStatus binary(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize, int scaleFactor = 0) {
+    using namespace detail;
+    if (ZetStatus bad = first(check_width_first<T, L>(roiSize), null(pSrc1, pSrc2, pDst), size(roiSize),
+                              check_complex_step<T>(src1Step, src2Step, dstStep)))
+        return bad;
+    two_images<Op, T, L, Form::images>({pSrc1, src1Step}, {pSrc2, src2Step}, {pDst, dstStep}, roiSize, scaleFactor);
+    return zetStsNoErr;
+}
+
+template <class Op, class T, class L>
+ZetStatus binary_I(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor = 0) {
+    using namespace detail;
+    if (ZetStatus bad = first(check_width_first<T, L>(roiSize), null(pSrc, pSrcDst), size(roiSize), check_complex_step<T>(srcStep, srcDstStep)))
+        return bad;
+    two_images<Op, T, L, Form::images_I>({pSrc, srcStep}, {pSrcDst, srcDstStep}, {pSrcDst, srcDstStep}, roiSize, scaleFactor);
+    return zetStsNoErr;
+}
+
+namespace detail {
+
+// Constants of the C1 forms that leave nothing to compute.
+enum class Shortcut { none, copy, clear, fill_with_maximum };
+
+template <class Op, class T> Shortcut shortcut_of(T value, int s) {
+    using R = Real<T>;
+    if constexpr (std::is_floating_point_v<R>) {
+        return Shortcut::none;
+    } else {
+        R re{}, im{};
+        if constexpr (is_complex<T>) re = value.re, im = value.im;
+        else re = value;
+        const bool zero = re == 0 && im == 0, one = re == 1 && im == 0;
+        if constexpr (std::is_same_v<Op, Mul>) {
+            return zero ? Shortcut::clear : one && s == 0 ? Shortcut::copy : Shortcut::none;
+        } else {
+            if (zero && s == 0) return Shortcut::copy;
+            const bool always_above = std::is_same_v<Op, Add> && std::is_unsigned_v<R> && !zero;
+            return always_above && path_of(scale_range<Op, T>, s) == Path::bound ? Shortcut::fill_with_maximum : Shortcut::none;
+        }
+    }
+}
+
+template <class Op, class T, class L, Form F> void image_and_constant(Src<T> src, const T* values, Dst<T> dst, ZetiSize roi, int s) {
+    using R = Real<T>;
+    if constexpr (L::channels == 1) {
+        const Shortcut shortcut = shortcut_of<Op>(*values, s);
+        const R maximum = max_of<R>;
+        if (shortcut == Shortcut::copy && F == Form::constant_I) return;
+        if (shortcut == Shortcut::copy) return copy_samples(as<R>(src), as<R>(dst), real_samples<T, L>(roi));
+        if (shortcut == Shortcut::clear) return clear<T, L>(dst, roi);
+        if (shortcut == Shortcut::fill_with_maximum) return fill_samples(&maximum, 1, as<R>(dst), real_samples<T, L>(roi));
+    }
+    if constexpr (by_pixel<Op, T>) {
+        SampleConstants<T> constants{};
+        for (int c = 0; c < L::colours; ++c) constants.value[c] = values[c];
+        multiply_32sc<L>([=](ptrdiff_t) { return constants; }, src, dst, roi, s);
+    } else {
+        arithmetic<Op, T, L, F>(ConstantOperand<T, L>(values), src, dst, roi, s);
+    }
+}
+
+} // namespace detail
+
+// One constant per colour channel.
+template <class Op, class T, class L>
+ZetStatus constant(const T* pSrc, int srcStep, const T* value, T* pDst, int dstStep, ZetiSize roiSize, int scaleFactor = 0) {
+    using namespace detail;
+    if (ZetStatus bad = first(null(pSrc, value, pDst), size(roiSize), check_complex_step<T>(srcStep, dstStep))) return bad;
+    image_and_constant<Op, T, L, Form::constant>({pSrc, srcStep}, value, {pDst, dstStep}, roiSize, scaleFactor);
+    return zetStsNoErr;
+}
+
+template <class Op, class T, class L>
+ZetStatus constant_I(const T* value, T* pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor = 0) {
+    using namespace detail;
+    if (ZetStatus bad = first(null(value, pSrcDst), size(roiSize), check_complex_step<T>(srcDstStep))) return bad;
+    image_and_constant<Op, T, L, Form::constant_I>({pSrcDst, srcDstStep}, value, {pSrcDst, srcDstStep}, roiSize, scaleFactor);
+    return zetStsNoErr;
+}
+
+// C1: the constant by value.
+template <class Op, class T, class L>
+ZetStatus constant(const T* pSrc, int srcStep, T value, T* pDst, int dstStep, ZetiSize roiSize, int scaleFactor = 0) {
+    return constant<Op, T, L>(pSrc, srcStep, &value, pDst, dstStep, roiSize, scaleFactor);
+}
+
+template <class Op, class T, class L> ZetStatus constant_I(T value, T* pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor = 0) {
+    return constant_I<Op, T, L>(&value, pSrcDst, srcDstStep, roiSize, scaleFactor);
+}
+
+} // namespace zeti

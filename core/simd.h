@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: Apache-2.0
+// The vector layer: 16-byte registers as compiler vector types, which bring their own operators (+ - * & | ^ ~ == > and
+// the elementwise select ?:), and the few operations that have no operator. Nothing here goes beyond SSE2.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstring>
+
+#include "core/base.h"
+
+namespace zeti {
+
+inline constexpr int register_bytes = 16;
+
+template <class T> struct VecOf { typedef T type __attribute__((vector_size(16))); };
+template <class T> using Vec = typename VecOf<T>::type; // lanes of T
+
+template <class T> inline constexpr int lanes = register_bytes / int{sizeof(T)};
+
+// Between lane types and the raw registers of the intrinsics: a reinterpretation, no instruction.
+template <class T, class V> Vec<T> as_lanes(V v) { return reinterpret_cast<Vec<T>>(v); }
+template <class V> __m128i raw(V v) { return reinterpret_cast<__m128i>(v); }
+inline __m128 raw_float(Vec<Zet32f> v) { return reinterpret_cast<__m128>(v); }
+
+template <class T> Vec<T> splat(T value) { return value - Vec<T>{}; }
+
+// --- Memory -------------------------------------------------------------------------------------------------------
+
+template <class T> Vec<T> load(const T* p) { return as_lanes<T>(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
+template <class T> void store(T* p, Vec<T> v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), raw(v)); }
+
+namespace detail {
+template <class Word> Word load_word(const void* p) {
+    Word w;
+    std::memcpy(&w, p, sizeof w);
+    return w;
+}
+inline __m128i from_words(uint64_t low, uint64_t high) { return _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low)); }
+inline uint64_t low_word(__m128i v) {
+    uint64_t w;
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(&w), v);
+    return w;
+}
+} // namespace detail
+
+// The first `bytes` (1 to 15) bytes at p, zeros behind them. Reads those bytes only: two reads that may overlap.
+inline __m128i load_bytes(const void* p, int bytes) {
+    const char* const c = static_cast<const char*>(p);
+    using namespace detail;
+    if (bytes >= 8) {
+        const uint64_t tail = load_word<uint64_t>(c + bytes - 8);
+        return from_words(load_word<uint64_t>(c), bytes == 8 ? 0 : tail >> (8 * (16 - bytes)));
+    }
+    if (bytes >= 4) {
+        const uint64_t tail = load_word<uint32_t>(c + bytes - 4);
+        return from_words(load_word<uint32_t>(c) | tail << (8 * (bytes - 4)), 0);
+    }
+    if (bytes >= 2) {
+        const uint64_t tail = load_word<uint16_t>(c + bytes - 2);
+        return from_words(load_word<uint16_t>(c) | tail << (8 * (bytes - 2)), 0);
+    }
+    return _mm_cvtsi32_si128(static_cast<unsigned char>(*c));
+}
+
+// Writes the first `bytes` (1 to 15) bytes of v and no others.
+inline void store_bytes(void* p, __m128i v, int bytes) {
+    char* const c = static_cast<char*>(p);
+    uint64_t low = detail::low_word(v);
+    if (bytes >= 8) {
+        const uint64_t high = detail::low_word(_mm_srli_si128(v, 8));
+        std::memcpy(c, &low, 8);
+        if (bytes == 8) return;
+        const uint64_t last = low >> (8 * (bytes - 8)) | high << (8 * (16 - bytes));
+        std::memcpy(c + bytes - 8, &last, 8);
+    } else if (bytes >= 4) {
+        const uint32_t head = static_cast<uint32_t>(low), last = static_cast<uint32_t>(low >> (8 * (bytes - 4)));
+        std::memcpy(c, &head, 4);
+        std::memcpy(c + bytes - 4, &last, 4);
+    } else if (bytes >= 2) {
+        const uint16_t head = static_cast<uint16_t>(low), last = static_cast<uint16_t>(low >> (8 * (bytes - 2)));
+        std::memcpy(c, &head, 2);
+        std::memcpy(c + bytes - 2, &last, 2);
+    } else {
+        *c = static_cast<char>(low);
+    }
+}
+
+// Partial vectors of n < lanes<T> samples, zeros behind them.
+template <class T> Vec<T> load(const T* p, int n) { return as_lanes<T>(load_bytes(p, n * int{sizeof(T)})); }
+template <class T> void store(T* p, Vec<T> v, int n) { store_bytes(p, raw(v), n * int{sizeof(T)}); }
+
+// --- Shifts by one count for all lanes ----------------------------------------------------------------------------
+
+using Count = __m128i;
+inline Count count_of(int n) { return _mm_cvtsi32_si128(n); }
+
+template <class T> Vec<T> shift_left(Vec<T> v, Count n) {
+    if constexpr (sizeof(T) == 2) return as_lanes<T>(_mm_sll_epi16(raw(v), n));
+    else if constexpr (sizeof(T) == 4) return as_lanes<T>(_mm_sll_epi32(raw(v), n));
+    else return as_lanes<T>(_mm_sll_epi64(raw(v), n));
+}
+
+// Arithmetic on signed lanes, logical on unsigned ones.
+template <class T> Vec<T> shift_right(Vec<T> v, Count n) {
+    static_assert(sizeof(T) == 2 || sizeof(T) == 4);
+    if constexpr (sizeof(T) == 2) return as_lanes<T>(std::is_signed_v<T> ? _mm_sra_epi16(raw(v), n) : _mm_srl_epi16(raw(v), n));
+    else return as_lanes<T>(std::is_signed_v<T> ? _mm_sra_epi32(raw(v), n) : _mm_srl_epi32(raw(v), n));
+}
+
+// --- Lanes --------------------------------------------------------------------------------------------------------
+
+// a where the mask's lane is all ones, b where it is zero.
+template <class T, class M> Vec<T> select(M mask, Vec<T> a, Vec<T> b) {
+    return as_lanes<T>(_mm_or_si128(_mm_and_si128(raw(mask), raw(a)), _mm_andnot_si128(raw(mask), raw(b))));
+}
+
+// True when some lane of a comparison holds.
+template <class M> bool any(M mask) { return _mm_movemask_epi8(raw(mask)) != 0; }
+
+// On floats b where the two do not compare.
+template <class T> Vec<T> min(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_min_epu8(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_min_epi16(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<T>>(_mm_min_ps(raw_float(a), raw_float(b)));
+    else return select<T>(a < b, a, b);
+}
+
+template <class T> Vec<T> max(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_max_epu8(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_max_epi16(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<T>>(_mm_max_ps(raw_float(a), raw_float(b)));
+    else return select<T>(a > b, a, b);
+}
+
+template <class T> Vec<T> add_saturating(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_adds_epu8(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet16u>) return as_lanes<T>(_mm_adds_epu16(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_adds_epi16(raw(a), raw(b)));
+    else {
+        static_assert(std::is_same_v<T, Zet32s>);
+        const Vec<Zet32s> sum = as_lanes<Zet32s>(_mm_add_epi32(raw(a), raw(b))); // wraps
+        return select<Zet32s>(((a ^ sum) & (b ^ sum)) < 0, (a >> 31) ^ max_of<Zet32s>, sum);
+    }
+}
+
+template <class T> Vec<T> sub_saturating(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_subs_epu8(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet16u>) return as_lanes<T>(_mm_subs_epu16(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_subs_epi16(raw(a), raw(b)));
+    else {
+        static_assert(std::is_same_v<T, Zet32s>);
+        const Vec<Zet32s> difference = as_lanes<Zet32s>(_mm_sub_epi32(raw(a), raw(b))); // wraps
+        return select<Zet32s>(((a ^ b) & (a ^ difference)) < 0, (a >> 31) ^ max_of<Zet32s>, difference);
+    }
+}
+
+// (a + b + 1) >> 1 without overflow.
+inline Vec<Zet8u> average_up(Vec<Zet8u> a, Vec<Zet8u> b) { return as_lanes<Zet8u>(_mm_avg_epu8(raw(a), raw(b))); }
+inline Vec<Zet16u> average_up(Vec<Zet16u> a, Vec<Zet16u> b) { return as_lanes<Zet16u>(_mm_avg_epu16(raw(a), raw(b))); }
+
+// --- Widening and narrowing ---------------------------------------------------------------------------------------
+
+template <class T> struct WiderOf;
+template <> struct WiderOf<Zet8u> { using type = Zet16u; };
+template <> struct WiderOf<Zet16u> { using type = Zet32u; };
+template <> struct WiderOf<Zet16s> { using type = Zet32s; };
+template <class T> using Wider = typename WiderOf<T>::type;
+
+// One register's worth of samples in lanes twice as wide.
+template <class W> struct Pair2 {
+    Vec<W> low, high;
+};
+
+template <class T> Pair2<Wider<T>> interleave(Vec<T> a, Vec<T> b) {
+    using W = Wider<T>;
+    if constexpr (sizeof(T) == 1) return {as_lanes<W>(_mm_unpacklo_epi8(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi8(raw(a), raw(b)))};
+    else return {as_lanes<W>(_mm_unpacklo_epi16(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi16(raw(a), raw(b)))};
+}
+
+template <class T> Pair2<Wider<T>> widen(Vec<T> v) {
+    if constexpr (std::is_signed_v<T>) return interleave<T>(v, as_lanes<T>(v < 0));
+    else return interleave<T>(v, Vec<T>{});
+}
+
+// Saturating: 16-bit lanes read as signed to 8u; signed 32-bit lanes to 16s.
+inline Vec<Zet8u> narrow_to_8u(Vec<Zet16u> low, Vec<Zet16u> high) { return as_lanes<Zet8u>(_mm_packus_epi16(raw(low), raw(high))); }
+inline Vec<Zet16s> narrow_to_16s(Vec<Zet32s> low, Vec<Zet32s> high) { return as_lanes<Zet16s>(_mm_packs_epi32(raw(low), raw(high))); }
+
+// Signed 32-bit lanes to 16u, saturating; lanes must be at least -2^31 + 32768.
+inline Vec<Zet16u> narrow_to_16u(Vec<Zet32s> low, Vec<Zet32s> high) {
+    return as_lanes<Zet16u>(narrow_to_16s(low - 32768, high - 32768)) ^ Zet16u{0x8000};
+}
+
+// --- Products -----------------------------------------------------------------------------------------------------
+
+inline Vec<Zet16u> multiply_high(Vec<Zet16u> a, Vec<Zet16u> b) { return as_lanes<Zet16u>(_mm_mulhi_epu16(raw(a), raw(b))); }
+inline Vec<Zet16s> multiply_high(Vec<Zet16s> a, Vec<Zet16s> b) { return as_lanes<Zet16s>(_mm_mulhi_epi16(raw(a), raw(b))); }
+
+// a[2i] * b[2i] + a[2i+1] * b[2i+1] in 32 bits, wrapping.
+inline Vec<Zet32s> multiply_add_pairs(Vec<Zet16s> a, Vec<Zet16s> b) { return as_lanes<Zet32s>(_mm_madd_epi16(raw(a), raw(b))); }
+
+// --- Float --------------------------------------------------------------------------------------------------------
+
+// The processor's 12-bit estimate of 1 / v.
+inline Vec<Zet32f> reciprocal_estimate(Vec<Zet32f> v) { return reinterpret_cast<Vec<Zet32f>>(_mm_rcp_ps(raw_float(v))); }
+
+// Nearest with ties to even under the default float state; -2^31 for what does not fit.
+inline Vec<Zet32s> to_int(Vec<Zet32f> v) { return as_lanes<Zet32s>(_mm_cvtps_epi32(raw_float(v))); }
+
+inline Vec<Zet32f> to_float(Vec<Zet32s> v) { return reinterpret_cast<Vec<Zet32f>>(_mm_cvtepi32_ps(raw(v))); }
+
+// --- Cache --------------------------------------------------------------------------------------------------------
+
+inline void store_streaming(void* aligned, __m128i v) { _mm_stream_si128(static_cast<__m128i*>(aligned), v); }
+inline void streaming_fence() { _mm_sfence(); }
+
+} // namespace zeti

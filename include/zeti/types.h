@@ -1,0 +1,77 @@
+/* SPDX-License-Identifier: Apache-2.0 */
+/* Sample types and records. */
+#ifndef ZETI_TYPES_H
+#define ZETI_TYPES_H
+
+#if defined(__GNUC__)
+#define ZETI_API __attribute__((visibility("default")))
+#define ZETI_EXTENSION __extension__
+#else
+#define ZETI_API
+#define ZETI_EXTENSION
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef unsigned char Zet8u;
+typedef signed char Zet8s;
+typedef unsigned short Zet16u;
+typedef signed short Zet16s;
+typedef unsigned int Zet32u;
+typedef signed int Zet32s;
+typedef float Zet32f;
+ZETI_EXTENSION typedef long long Zet64s;
+typedef double Zet64f;
+
+/* Complex samples: real part, then imaginary part. */
+typedef struct {
+    Zet16s re;
+    Zet16s im;
+} Zet16sc;
+
+typedef struct {
+    Zet32s re;
+    Zet32s im;
+} Zet32sc;
+
+typedef struct {
+    Zet32f re;
+    Zet32f im;
+} Zet32fc;
+
+/* Extent of a region in pixels. */
+typedef struct {
+    int width;
+    int height;
+} ZetiSize;
+
+typedef struct {
+    int x;
+    int y;
+} ZetiPoint;
+
+typedef struct {
+    int x;
+    int y;
+    int width;
+    int height;
+} ZetiRect;
+
+typedef struct {
+    int major;
+    int minor;
+    int majorBuild;
+    int build;
+    char targetCpu[4];
+    const char *Name;
+    const char *Version;
+    const char *BuildDate;
+} ZetLibraryVersion;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+// Copy and CopyManaged. No step is checked; rows are walked by the steps as they stand.
+#pragma once
+
+#include "core/check.h"
+#include "move/masked.h"
+#include "move/rows.h"
+
+namespace zeti {
+
+namespace detail {
+
+// One channel of a pixel to one channel of another.
+template <int From, int To, class T> void copy_channel(const T* src, T* dst, ptrdiff_t width) {
+    for (ptrdiff_t x = 0; x < width; ++x) dst[x * To] = src[x * From];
+}
+
+// The colour samples of pixels that differ in what lies behind them.
+template <int From, int To, class T> void copy_colours(const T* src, T* dst, ptrdiff_t width) {
+    for (ptrdiff_t x = 0; x < width; ++x)
+        for (int c = 0; c < 3; ++c) dst[x * To + c] = src[x * From + c];
+}
+
+template <class L> struct CopyForm; // row(src, dst, width) for layouts that are no plain move of rows
+
+template <int From, int To> struct ChannelForm {
+    template <class T> static void row(const T* src, T* dst, ptrdiff_t width) { copy_channel<From, To>(src, dst, width); }
+};
+template <int From, int To> struct ColourForm {
+    template <class T> static void row(const T* src, T* dst, ptrdiff_t width) { copy_colours<From, To>(src, dst, width); }
+};
+template <> struct CopyForm<C3C> : ChannelForm<3, 3> {};
+template <> struct CopyForm<C4C> : ChannelForm<4, 4> {};
+template <> struct CopyForm<C3C1> : ChannelForm<3, 1> {};
+template <> struct CopyForm<C4C1> : ChannelForm<4, 1> {};
+template <> struct CopyForm<C1C3> : ChannelForm<1, 3> {};
+template <> struct CopyForm<C1C4> : ChannelForm<1, 4> {};
+template <> struct CopyForm<AC4C3> : ColourForm<4, 3> {};
+template <> struct CopyForm<C3AC4> : ColourForm<3, 4> {};
+
+// Plane images lie without gaps when their rows are as wide as their step and the interleaved rows follow suit.
+inline Extent collapsed_planes(Extent e, int channels, ptrdiff_t sampleBytes, ptrdiff_t planeStep, ptrdiff_t interleavedStep) {
+    return collapsed(e, e.width * sampleBytes, planeStep, interleavedStep == channels * planeStep ? planeStep : -1);
+}
+
+} // namespace detail
+
+// Interleaved to interleaved.
+template <class T, class L> ZetStatus copy(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize) {
+    if (ZetStatus bad = first(null(pSrc, pDst), size(roiSize))) return bad;
+    const Src<T> src{pSrc, srcStep};
+    const Dst<T> dst{pDst, dstStep};
+    if constexpr (std::is_same_v<L, AC4>) {
+        const Extent e = samples(roiSize, 4);
+        const Extent rows = collapsed(e, e.width * ptrdiff_t{sizeof(T)}, src.step, dst.step);
+        TakeFirst take;
+        each_row(rows, [&](ptrdiff_t y) { row<KeepAlpha<T, 4>>(RowOperand<T>{src.row(y)}, dst.row(y), dst.row(y), rows.width, take); });
+    } else if constexpr (requires { L::channels == L::colours; } && !std::is_same_v<L, C3C> && !std::is_same_v<L, C4C>) {
+        copy_samples(src, dst, samples(roiSize, L::channels));
+    } else {
+        each_row(samples(roiSize, 1), [&](ptrdiff_t y) { detail::CopyForm<L>::row(src.row(y), dst.row(y), roiSize.width); });
+    }
+    return zetStsNoErr;
+}
+
+// Interleaved to planes.
+template <class T, class L> ZetStatus copy(const T* pSrc, int srcStep, T* const* pDst, int dstStep, ZetiSize roiSize) {
+    constexpr int channels = L::source::channels;
+    if (ZetStatus bad = first(null(pSrc), null_planes<channels>(pDst), size(roiSize))) return bad;
+    const Extent rows = detail::collapsed_planes(samples(roiSize, 1), channels, sizeof(T), dstStep, srcStep);
+    for (int c = 0; c < channels; ++c) {
+        const Src<T> src{pSrc + c, srcStep};
+        const Dst<T> dst{pDst[c], dstStep};
+        each_row(rows, [&](ptrdiff_t y) { detail::copy_channel<channels, 1>(src.row(y), dst.row(y), rows.width); });
+    }
+    return zetStsNoErr;
+}
+
+// Planes to interleaved.
+template <class T, class L> ZetStatus copy(const T* const* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize) {
+    constexpr int channels = L::destination::channels;
+    if (ZetStatus bad = first(null_planes<channels>(pSrc), null(pDst), size(roiSize))) return bad;
+    const Extent rows = detail::collapsed_planes(samples(roiSize, 1), channels, sizeof(T), srcStep, dstStep);
+    for (int c = 0; c < channels; ++c) {
+        const Src<T> src{pSrc[c], srcStep};
+        const Dst<T> dst{pDst + c, dstStep};
+        each_row(rows, [&](ptrdiff_t y) { detail::copy_channel<1, channels>(src.row(y), dst.row(y), rows.width); });
+    }
+    return zetStsNoErr;
+}
+
+template <class T, class L>
+ZetStatus copy_M(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize, const Zet8u* pMask, int maskStep) {
+    if (ZetStatus bad = first(null(pSrc, pDst, pMask), size(roiSize))) return bad;
+    const Src<T> src{pSrc, srcStep};
+    const Dst<T> dst{pDst, dstStep};
+    const Src<Zet8u> mask{pMask, maskStep};
+    each_row(samples(roiSize, 1), [&](ptrdiff_t y) {
+        const T* const from = src.row(y);
+        masked_row<T, L>([=](ptrdiff_t x) { return from + x * L::channels; }, dst.row(y), mask.row(y), roiSize.width);
+    });
+    return zetStsNoErr;
+}
+
+// Bit 0 of the flags asks for streaming stores, whatever the size.
+template <class T, class L> ZetStatus copy_managed(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize, int flags) {
+    if (ZetStatus bad = first(null(pSrc, pDst), size(roiSize))) return bad;
+    const Extent e = samples(roiSize, 1);
+    const Extent rows = area(e) <= max_of<Zet32s> ? collapsed(e, e.width, srcStep, dstStep) : e;
+    copy_bytes({pSrc, srcStep}, {pDst, dstStep}, rows, flags & 1 ? Cache::streaming : Cache::plain);
+    return zetStsNoErr;
+}
+
+} // namespace zeti
