@@ -63,8 +63,11 @@ template <class T, class L> void clear(Dst<T> dst, ZetiSize roi) {
 // A destination from this size on does not stay in a cache: it is written past it. (In place it is in the cache already.)
 inline constexpr int64_t arithmetic_streams_from = int64_t{16} << 20;
 
+// Kernels of integer samples that compute in floats say so.
+template <class R, class Kernel> inline constexpr bool in_floats = std::is_floating_point_v<R> || requires { Kernel::in_floats; };
+
 // Held by every thread while it computes rows.
-template <class R> class RowScope {
+template <bool InFloats> class RowScope {
 public:
     explicit RowScope(bool streams) : streams_(streams) {}
     ~RowScope() {
@@ -73,7 +76,7 @@ public:
 
 private:
     struct Nothing {};
-    [[no_unique_address]] std::conditional_t<std::is_floating_point_v<R>, FloatState, Nothing> state_;
+    [[no_unique_address]] std::conditional_t<InFloats, FloatState, Nothing> state_;
     bool streams_;
 };
 
@@ -81,12 +84,16 @@ template <class Writes, class R, class Operand, class Kernel>
 void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, bool fork, Kernel& kernel) {
     constexpr bool writes_all = std::is_same_v<Writes, WriteAll<R>>;
     const bool streams = writes_all && area(e) * int64_t{sizeof(R)} >= arithmetic_streams_from && b.pointer != dst.pointer && !a.is(dst.pointer);
-    const auto one_row = [&](ptrdiff_t y) {
+    const auto compute = [&](ptrdiff_t y) {
         if constexpr (writes_all)
             if (streams) return streaming_row(a.row(y), b.row(y), dst.row(y), e.width, kernel);
         row<Writes>(a.row(y), b.row(y), dst.row(y), e.width, kernel);
     };
-    const auto scope = [=] { return RowScope<R>(streams); };
+    const auto one_row = [&](ptrdiff_t y) {
+        compute(y);
+        if constexpr (requires { kernel.end_row(); }) kernel.end_row();
+    };
+    const auto scope = [=] { return RowScope<in_floats<R, Kernel>>(streams); };
     if (fork) {
         static_rows(e.height, one_row, scope);
     } else {

@@ -28,6 +28,7 @@ private:
 // quotient rounded: no two of its values are closer than single precision can tell.
 template <class T> class Quotient : public Divisors<T> {
 public:
+    static constexpr bool in_floats = true;
     explicit Quotient(int s) : scale_(splat(as_float((127 - s) << 23))) {}
     Vec<T> operator()(Vec<T> a, Vec<T> b) {
         const auto zero = this->note(a == 0);

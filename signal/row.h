@@ -157,7 +157,7 @@ template <class Writes, class T, class A, class Op>
         const Vec<T> result = op(first, load(b + i, rest));
         store(dst + i, Writes::merge(result, load(dst + i, rest), phase), rest);
     }
-    if constexpr (requires { op.saw_zero(); }) kernel = op; // what it saw; other kernels are shared by threads and stay as they are
+    if constexpr (requires { op.saw_zero(); } || requires { op.status(); }) kernel = op; // what it saw; others are shared by threads
 }
 
 // The same row when the whole destination is too large to stay in a cache: results are made a few kilobytes at a time

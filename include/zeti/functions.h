@@ -469,6 +469,24 @@ ZETI_API ZetStatus zetiDivC_32fc_C3IR(const Zet32fc value[3], Zet32fc *pSrcDst, 
 ZETI_API ZetStatus zetiDivC_32fc_AC4R(const Zet32fc *pSrc, int srcStep, const Zet32fc value[3], Zet32fc *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiDivC_32fc_AC4IR(const Zet32fc value[3], Zet32fc *pSrcDst, int srcDstStep, ZetiSize roiSize);
 
+/* Abs. Absolute value: dst = |src|; on 16s, -32768 gives 32767. */
+ZETI_API ZetStatus zetiAbs_16s_C1R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_16s_C1IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_16s_C3R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_16s_C3IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_16s_C4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_16s_C4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_16s_AC4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_16s_AC4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_32f_C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAbs_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
 /* Copy. Copies pixels, also between layouts. */
 ZETI_API ZetStatus zetiCopy_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiCopy_8u_C1MR(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *pMask, int maskStep);
