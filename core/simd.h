@@ -123,6 +123,7 @@ template <class T> Vec<T> min(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_min_epu8(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_min_epi16(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<T>>(_mm_min_ps(raw_float(a), raw_float(b)));
+    else if constexpr (std::is_same_v<T, Zet64f>) return reinterpret_cast<Vec<T>>(_mm_min_pd(reinterpret_cast<__m128d>(a), reinterpret_cast<__m128d>(b)));
     else return select<T>(a < b, a, b);
 }
 
@@ -208,7 +209,21 @@ inline Vec<Zet32f> reciprocal_estimate(Vec<Zet32f> v) { return reinterpret_cast<
 // Nearest with ties to even under the default float state; -2^31 for what does not fit.
 inline Vec<Zet32s> to_int(Vec<Zet32f> v) { return as_lanes<Zet32s>(_mm_cvtps_epi32(raw_float(v))); }
 
+// The two low lanes; back, to nearest with ties to even, with zeros above them.
+inline Vec<Zet64f> to_double(Vec<Zet32s> v) { return reinterpret_cast<Vec<Zet64f>>(_mm_cvtepi32_pd(raw(v))); }
+inline Vec<Zet32s> to_int(Vec<Zet64f> v) { return as_lanes<Zet32s>(_mm_cvtpd_epi32(reinterpret_cast<__m128d>(v))); }
+
 inline Vec<Zet32f> to_float(Vec<Zet32s> v) { return reinterpret_cast<Vec<Zet32f>>(_mm_cvtepi32_ps(raw(v))); }
+
+// --- Tables -------------------------------------------------------------------------------------------------------
+
+// A table of 256 entries.
+inline Vec<Zet8u> look_up(const Zet8u* table, Vec<Zet8u> index) {
+    const auto pairs = as_lanes<Zet16u>(index);
+    Vec<Zet16u> found{};
+    for (int k = 0; k < lanes<Zet16u>; ++k) found[k] = static_cast<Zet16u>(table[pairs[k] & 255] | table[pairs[k] >> 8] << 8);
+    return as_lanes<Zet8u>(found);
+}
 
 // --- Cache --------------------------------------------------------------------------------------------------------
 

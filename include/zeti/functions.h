@@ -487,6 +487,42 @@ ZETI_API ZetStatus zetiAbs_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize ro
 ZETI_API ZetStatus zetiAbs_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiAbs_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
 
+/* Ln. Natural logarithm: dst = ln(src) * 2^-scaleFactor. */
+ZETI_API ZetStatus zetiLn_8u_C1RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_8u_C1IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_8u_C3RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_8u_C3IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_16u_C1RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_16u_C1IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_16u_C3RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_16u_C3IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_16s_C1RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_16s_C1IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_16s_C3RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_16s_C3IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiLn_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiLn_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiLn_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiLn_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
+/* Exp. Exponential: dst = e^src * 2^-scaleFactor. */
+ZETI_API ZetStatus zetiExp_8u_C1RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_8u_C1IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_8u_C3RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_8u_C3IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_16u_C1RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_16u_C1IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_16u_C3RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_16u_C3IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_16s_C1RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_16s_C1IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_16s_C3RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_16s_C3IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiExp_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiExp_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiExp_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiExp_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
 /* Copy. Copies pixels, also between layouts. */
 ZETI_API ZetStatus zetiCopy_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiCopy_8u_C1MR(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *pMask, int maskStep);
