@@ -77,23 +77,24 @@ public:
 private:
     using D = Vec<Zet64f>;
     static constexpr int bound = -17; // ln 2 * 2^17 saturates
-    static constexpr double p[] = {0x1.555555561E2D7p-1, 0x1.999996A98DD68p-2, 0x1.249411CE9827Fp-2, 0x1.C62B200E01B4Dp-3, 0x1.9114DBF7C4EE0p-3};
 
-    static D ln(D x) {
+    D ln(D x) const {
         const auto bits = as_lanes<uint64_t>(x);
-        const auto k = (bits - uint64_t{0x3FE6A09E00000000}) >> 52;
-        const D m = as_lanes<Zet64f>(bits - (k << 52));
-        const D kf = as_lanes<Zet64f>(k | uint64_t{0x4330000000000000}) - 0x1p52;
-        const D z = (m - 1.0) / (m + 1.0), w = z * z;
-        return kf * (ln2_high + ln2_low) + z * (2.0 + w * (p[0] + w * (p[1] + w * (p[2] + w * (p[3] + w * p[4])))));
+        const auto k = (bits - root_) >> 52;
+        const D m = as_lanes<Zet64f>(bits - (k << 52)), kf = as_lanes<Zet64f>(k | integer_) - as_lanes<Zet64f>(integer_);
+        const D z = (m - one_) / (m + one_), w = z * z;
+        return kf * ln2_ + z * (two_ + w * (p_[0] + w * (p_[1] + w * (p_[2] + w * (p_[3] + w * p_[4])))));
     }
-    Vec<Zet32s> rounded(Vec<Zet32s> v) const { return to_int(min<Zet64f>(ln(to_double(v)) * scale_, splat(Zet64f{max_of<T>}))); }
+    Vec<Zet32s> rounded(Vec<Zet32s> v) const { return to_int(min<Zet64f>(ln(to_double(v)) * scale_, maximum_)); }
     Vec<Zet32s> scaled(Vec<Zet32s> v) const {
         const auto high = as_lanes<Zet32s>(_mm_unpackhi_epi64(raw(v), raw(v)));
         return as_lanes<Zet32s>(_mm_unpacklo_epi64(raw(rounded(v)), raw(rounded(high))));
     }
 
-    D scale_;
+    Vec<uint64_t> root_ = splat(uint64_t{0x3FE6A09E00000000}), integer_ = splat(uint64_t{0x4330000000000000}); // of 1/2; 2^52
+    D one_ = splat(1.0), two_ = splat(2.0), ln2_ = splat(ln2_high + ln2_low), scale_, maximum_ = splat(Zet64f{max_of<T>});
+    D p_[5] = {splat(0x1.555555561E2D7p-1), splat(0x1.999996A98DD68p-2), splat(0x1.249411CE9827Fp-2), splat(0x1.C62B200E01B4Dp-3),
+               splat(0x1.9114DBF7C4EE0p-3)};
 };
 
 // 32f, zetsLn_32f_A21. P is within 2^-30.2 of ln; with the rounding of every step results are within 1 unit of the last place, as
