@@ -5,6 +5,8 @@
 // keep the sum from overflowing their lanes. For s < 0, saturating before and after the shift gives the same as after it alone.
 #pragma once
 
+#include <bit>
+
 #include "core/simd.h"
 
 namespace zeti {
@@ -19,6 +21,9 @@ constexpr int64_t round_shift(int64_t v, int s) {
     const uint64_t remainder = static_cast<uint64_t>(v) & ((uint64_t{1} << s) - 1), half = uint64_t{1} << (s - 1);
     return quotient + (remainder + (quotient & 1) > half ? 1 : 0);
 }
+
+// 2^n, for -127 < n < 128.
+constexpr Zet32f power_of_two(int n) { return std::bit_cast<Zet32f>((127 + n) << 23); }
 
 // --- Registers, s >= 2 unless stated ------------------------------------------------------------------------------
 
