@@ -10,19 +10,10 @@ namespace zeti {
 namespace detail {
 
 // `a` gives the first operand by rows.
-template <class L, class T, class Operand> void multiply_full_scale(const Operand& a, Src<T> b, Dst<T> dst, Extent rows) {
+template <class L, class T, class Operand> ZetStatus multiply_full_scale(const Operand& a, Src<T> b, Dst<T> dst, ZetiSize roi) {
     FullScaleProduct product;
-    run_rows<Writes<T, L>>(a, b, dst, rows, false, product);
-}
-
-template <class L, class T> void multiply_full_scale(Src<T> a, Src<T> b, Dst<T> dst, ZetiSize roi) {
-    const Extent e = real_samples<T, L>(roi);
-    multiply_full_scale<L>(ImageOperand<T>{a}, b, dst, collapsed(e, e.width * ptrdiff_t{sizeof(T)}, a.step, b.step, dst.step));
-}
-
-template <class L, class T> void multiply_full_scale(const T* value, Src<T> b, Dst<T> dst, ZetiSize roi) {
-    const Extent e = real_samples<T, L>(roi);
-    multiply_full_scale<L>(ConstantOperand<T, L>(value), b, dst, collapsed(e, e.width * ptrdiff_t{sizeof(T)}, b.step, dst.step));
+    run_rows<Writes<T, L>>(a, b, dst, real_samples<T, L>(roi), false, product);
+    return zetStsNoErr;
 }
 
 } // namespace detail
@@ -30,8 +21,7 @@ template <class L, class T> void multiply_full_scale(const T* value, Src<T> b, D
 template <class T, class L>
 ZetStatus mul_scale(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize) {
     if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize))) return bad;
-    detail::multiply_full_scale<L>(Src<T>{pSrc1, src1Step}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, roiSize);
-    return zetStsNoErr;
+    return detail::multiply_full_scale<L>(ImageOperand<T>{{pSrc1, src1Step}}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, roiSize);
 }
 
 template <class T, class L> ZetStatus mul_scale_I(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, ZetiSize roiSize) {
@@ -41,8 +31,7 @@ template <class T, class L> ZetStatus mul_scale_I(const T* pSrc, int srcStep, T*
 // One constant per colour channel.
 template <class T, class L> ZetStatus mul_c_scale(const T* pSrc, int srcStep, const T* value, T* pDst, int dstStep, ZetiSize roiSize) {
     if (ZetStatus bad = first(null(pSrc, value, pDst), step(srcStep, dstStep), size(roiSize))) return bad;
-    detail::multiply_full_scale<L>(value, Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, roiSize);
-    return zetStsNoErr;
+    return detail::multiply_full_scale<L>(ConstantOperand<T, L>(value), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, roiSize);
 }
 
 template <class T, class L> ZetStatus mul_c_scale_I(const T* value, T* pSrcDst, int srcDstStep, ZetiSize roiSize) {

@@ -14,7 +14,7 @@ struct Sqr {
     template <class T, class Use> static void with_kernel(int s, Use use) {
         const Path path = std::is_floating_point_v<T> ? Path::unscaled : path_of(scale_range<Mul, T>, s);
         if (path == Path::zero) return use(NothingLeft());
-        detail::with_kernel<Mul, T>(path, s, [&](auto product) { use(Squared(product)); });
+        detail::with_kernel<Mul, T>(path, s, nullptr, [&](auto product) { use(Squared(product)); });
     }
 };
 
