@@ -18,7 +18,7 @@ template <class T, class Use> void with_rounding_divider(ZetRoundMode mode, int 
     if (s > quotient_range<T>.to) return use(QuotientNothing<T>());
     if (mode == zetRndZero) return use(Quotient<T, TowardsZero>(s));
     if (mode == zetRndNear) return use(Quotient<T>(s));
-    use(Quotient<T, ToNearestAwayFromZero>(s));
+    use(Quotient<T, ToNearestAwayFromZero<T>>(s));
 }
 
 } // namespace detail

@@ -10,10 +10,11 @@ struct TowardsZero {
     static Vec<Zet32s> to_integer(Vec<Zet32f> q) { return to_int_truncated(q); }
 };
 
-struct ToNearestAwayFromZero {
+template <class T> struct ToNearestAwayFromZero { // the half has the sign of the quotient
     static Vec<Zet32s> to_integer(Vec<Zet32f> q) {
-        const Vec<Zet32s> sign = as_lanes<Zet32s>(q) & min_of<Zet32s>;
-        return to_int_truncated(q + as_lanes<Zet32f>(sign | as_lanes<Zet32s>(splat(0.5f))));
+        const Vec<Zet32f> half = splat(0.5f);
+        if constexpr (std::is_unsigned_v<T>) return to_int_truncated(q + half);
+        else return to_int_truncated(q + as_lanes<Zet32f>((as_lanes<Zet32s>(q) & min_of<Zet32s>) | as_lanes<Zet32s>(half)));
     }
 };
 
