@@ -12,6 +12,7 @@ Argument kinds
   mask                        an image of Zet8u
   value                       one constant by value on C1, C3C and C4C, else a pointer to one per colour channel
   size, scale                 ZetiSize; the scale factor
+  round_mode                  ZetRoundMode
   int                         a plain integer (flags, extents)
   int_out                     a pointer to an integer that the function writes
   memory                      a plain pointer
@@ -104,7 +105,7 @@ def _declare(text, types, layout):
         declaration = f"{destination_type} {name}" if by_value else f"const {destination_type} {name}[{COLOURS[destination]}]"
         kind = "value" if by_value else "values"
     else:
-        declaration = {"size": "ZetiSize ", "scale": "int ", "int": "int ", "int_out": "int *", "memory": "void *"}[kind] + name
+        declaration = {"size": "ZetiSize ", "scale": "int ", "round_mode": "ZetRoundMode ", "int": "int ", "int_out": "int *", "memory": "void *"}[kind] + name
     arguments = [Argument(kind, name, declaration)]
     if step:
         arguments.append(Argument("step", step[0], f"int {step[0]}"))

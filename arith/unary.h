@@ -25,10 +25,7 @@ template <class Kernel> struct OneOperand : Kernel {
 
 template <class L, class T, class Kernel> ZetStatus unary_rows(Src<T> src, Dst<T> dst, ZetiSize roi, const Kernel& kernel) {
     OneOperand<Kernel> op{kernel};
-    const Extent e = real_samples<T, L>(roi);
-    constexpr bool row_by_row = requires { op.end_row(); };
-    const Extent rows = row_by_row ? e : collapsed(e, e.width * ptrdiff_t{sizeof(T)}, src.step, dst.step);
-    run_rows<Writes<T, L>>(ImageOperand<T>{src}, src, dst, rows, false, op);
+    run_rows<Writes<T, L>>(ImageOperand<T>{src}, src, dst, real_samples<T, L>(roi), false, op);
     if constexpr (requires { op.status(); }) return op.status();
     else return zetStsNoErr;
 }

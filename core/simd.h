@@ -209,6 +209,12 @@ inline Vec<Zet32f> reciprocal_estimate(Vec<Zet32f> v) { return reinterpret_cast<
 // Nearest with ties to even under the default float state; -2^31 for what does not fit.
 inline Vec<Zet32s> to_int(Vec<Zet32f> v) { return as_lanes<Zet32s>(_mm_cvtps_epi32(raw_float(v))); }
 
+// Towards zero; -2^31 for what does not fit.
+inline Vec<Zet32s> to_int_truncated(Vec<Zet32f> v) { return as_lanes<Zet32s>(_mm_cvttps_epi32(raw_float(v))); }
+
+// Correctly rounded; NaN below zero.
+inline Vec<Zet32f> square_root(Vec<Zet32f> v) { return reinterpret_cast<Vec<Zet32f>>(_mm_sqrt_ps(raw_float(v))); }
+
 // The two low lanes; back, to nearest with ties to even, with zeros above them.
 inline Vec<Zet64f> to_double(Vec<Zet32s> v) { return reinterpret_cast<Vec<Zet64f>>(_mm_cvtepi32_pd(raw(v))); }
 inline Vec<Zet32s> to_int(Vec<Zet64f> v) { return as_lanes<Zet32s>(_mm_cvtpd_epi32(reinterpret_cast<__m128d>(v))); }

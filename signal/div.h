@@ -24,27 +24,27 @@ private:
     Vec<Bits> zeros_{};
 };
 
-// 8u, 16u, 16s. The quotient in single precision, times 2^-s, to nearest with ties to even, saturated. For 8u that is the exact
+// How a float becomes an integer.
+struct ToNearest { // ties to even
+    static Vec<Zet32s> to_integer(Vec<Zet32f> q) { return to_int(q); }
+};
+
+// 8u, 16u, 16s. The quotient in single precision, times 2^-s, rounded by `Rounding`, saturated. For 8u that is the exact
 // quotient rounded: no two of its values are closer than single precision can tell.
-template <class T> class Quotient : public Divisors<T> {
+template <class T, class Rounding = ToNearest> class Quotient : public Divisors<T> {
 public:
     static constexpr bool in_floats = true;
-    explicit Quotient(int s) : scale_(splat(as_float((127 - s) << 23))) {}
+    explicit Quotient(int s) : scale_(splat(power_of_two(-s))) {}
     Vec<T> operator()(Vec<T> a, Vec<T> b) {
         const auto zero = this->note(a == 0);
         return select<T>(zero, extreme<T>(b), divided(a, b));
     }
 
 private:
-    static Zet32f as_float(Zet32s bits) {
-        Zet32f f;
-        std::memcpy(&f, &bits, sizeof f);
-        return f;
-    }
     Vec<Zet32s> divided(Vec<Zet32s> a, Vec<Zet32s> b) const {
         const Vec<Zet32f> q = to_float(b) / to_float(a) * scale_;
         const Vec<Zet32f> below = min<Zet32f>(q, splat(Zet32f{max_of<T>}));
-        return to_int(std::is_signed_v<T> ? max<Zet32f>(below, splat(Zet32f{min_of<T>})) : below);
+        return Rounding::to_integer(std::is_signed_v<T> ? max<Zet32f>(below, splat(Zet32f{min_of<T>})) : below);
     }
     template <class U> Pair2<Zet32s> divided_halves(Vec<U> a, Vec<U> b) const {
         const auto x = widen<U>(a), y = widen<U>(b);

@@ -14,9 +14,11 @@ namespace zeti {
 template <class T> class LnDomain {
 public:
     Vec<T> neutral() const { return splat(T{1}); }
-    ZetStatus status() const { return first_; }
-    void end_row() {
-        if (first_ == zetStsNoErr) first_ = any(negative_) ? zetStsLnNegArg : any(zero_) ? zetStsLnZeroArg : zetStsNoErr;
+    ZetStatus status() const { return first_ != zetStsNoErr ? first_ : row_status(); }
+    void end_row()
+        requires std::is_signed_v<T>
+    {
+        first_ = status();
         zero_ = negative_ = Vec<Zet32s>{};
     }
 
@@ -27,6 +29,8 @@ protected:
     }
 
 private:
+    ZetStatus row_status() const { return any(negative_) ? zetStsLnNegArg : any(zero_) ? zetStsLnZeroArg : zetStsNoErr; }
+
     Vec<Zet32s> zero_{}, negative_{};
     ZetStatus first_ = zetStsNoErr;
 };

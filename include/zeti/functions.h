@@ -487,6 +487,67 @@ ZETI_API ZetStatus zetiAbs_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize ro
 ZETI_API ZetStatus zetiAbs_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiAbs_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
 
+/* Sqr. Square: dst = src * src. */
+ZETI_API ZetStatus zetiSqr_8u_C1RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_8u_C1IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_8u_C3RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_8u_C3IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_8u_C4RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_8u_C4IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_8u_AC4RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_8u_AC4IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16u_C1RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16u_C1IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16u_C3RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16u_C3IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16u_C4RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16u_C4IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16u_AC4RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16u_AC4IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16s_C1RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16s_C1IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16s_C3RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16s_C3IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16s_C4RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16s_C4IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16s_AC4RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_16s_AC4IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqr_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqr_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqr_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqr_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqr_32f_C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqr_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqr_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqr_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
+/* Sqrt. Square root: dst = sqrt(src). */
+ZETI_API ZetStatus zetiSqrt_8u_C1RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_8u_C1IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_8u_C3RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_8u_C3IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_8u_AC4RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_8u_AC4IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16u_C1RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16u_C1IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16u_C3RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16u_C3IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16u_AC4RSfs(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16u_AC4IRSfs(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16s_C1RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16s_C1IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16s_C3RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16s_C3IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16s_AC4RSfs(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_16s_AC4IRSfs(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
+ZETI_API ZetStatus zetiSqrt_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqrt_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqrt_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqrt_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqrt_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqrt_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiSqrt_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
 /* Ln. Natural logarithm: dst = ln(src) * 2^-scaleFactor. */
 ZETI_API ZetStatus zetiLn_8u_C1RSfs(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int scaleFactor);
 ZETI_API ZetStatus zetiLn_8u_C1IRSfs(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor);
@@ -522,6 +583,68 @@ ZETI_API ZetStatus zetiExp_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst
 ZETI_API ZetStatus zetiExp_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiExp_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiExp_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
+/* MulScale. Product of two images whose full scale is 1: dst = (t + 1 + (t >> n)) >> n with t = src1 * src2 on samples of n bits. */
+ZETI_API ZetStatus zetiMulScale_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_8u_C1IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_8u_C3IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_8u_C4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_8u_C4IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_8u_AC4IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_16u_C1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_16u_C1IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_16u_C3R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_16u_C3IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_16u_C4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_16u_C4IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_16u_AC4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulScale_16u_AC4IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
+/* MulCScale. Product of an image and a constant whose full scale is 1: dst = (t + 1 + (t >> n)) >> n with t = src * value on samples of n bits. */
+ZETI_API ZetStatus zetiMulCScale_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u value, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_8u_C1IR(Zet8u value, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_8u_C3R(const Zet8u *pSrc, int srcStep, const Zet8u value[3], Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_8u_C3IR(const Zet8u value[3], Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_8u_C4R(const Zet8u *pSrc, int srcStep, const Zet8u value[4], Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_8u_C4IR(const Zet8u value[4], Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_8u_AC4R(const Zet8u *pSrc, int srcStep, const Zet8u value[3], Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_8u_AC4IR(const Zet8u value[3], Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_16u_C1R(const Zet16u *pSrc, int srcStep, Zet16u value, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_16u_C1IR(Zet16u value, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_16u_C3R(const Zet16u *pSrc, int srcStep, const Zet16u value[3], Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_16u_C3IR(const Zet16u value[3], Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_16u_C4R(const Zet16u *pSrc, int srcStep, const Zet16u value[4], Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_16u_C4IR(const Zet16u value[4], Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_16u_AC4R(const Zet16u *pSrc, int srcStep, const Zet16u value[3], Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMulCScale_16u_AC4IR(const Zet16u value[3], Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
+/* Div_Round. Quotient of two images with a choice of rounding: dst = src2 / src1; in place srcDst = srcDst / src. */
+ZETI_API ZetStatus zetiDiv_Round_8u_C1RSfs(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_8u_C1IRSfs(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_8u_C3RSfs(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_8u_C3IRSfs(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_8u_C4RSfs(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_8u_C4IRSfs(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_8u_AC4RSfs(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_8u_AC4IRSfs(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16u_C1RSfs(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16u_C1IRSfs(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16u_C3RSfs(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16u_C3IRSfs(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16u_C4RSfs(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16u_C4IRSfs(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16u_AC4RSfs(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16u_AC4IRSfs(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16s_C1RSfs(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16s_C1IRSfs(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16s_C3RSfs(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16s_C3IRSfs(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16s_C4RSfs(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16s_C4IRSfs(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16s_AC4RSfs(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
+ZETI_API ZetStatus zetiDiv_Round_16s_AC4IRSfs(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
 
 /* Copy. Copies pixels, also between layouts. */
 ZETI_API ZetStatus zetiCopy_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);

@@ -59,6 +59,13 @@ typedef struct {
     int height;
 } ZetiRect;
 
+/* How an integer result is rounded. */
+typedef enum {
+    zetRndZero = 0, /* towards zero */
+    zetRndNear = 1, /* to nearest, ties to even */
+    zetRndFinancial = 2 /* to nearest, ties away from zero */
+} ZetRoundMode;
+
 typedef struct {
     int major;
     int minor;
