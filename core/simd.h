@@ -115,8 +115,9 @@ template <class T, class M> Vec<T> select(M mask, Vec<T> a, Vec<T> b) {
     return as_lanes<T>(_mm_or_si128(_mm_and_si128(raw(mask), raw(a)), _mm_andnot_si128(raw(mask), raw(b))));
 }
 
-// True when some lane of a comparison holds.
+// True when some lane of a comparison holds; when all do.
 template <class M> bool any(M mask) { return _mm_movemask_epi8(raw(mask)) != 0; }
+template <class M> bool all(M mask) { return _mm_movemask_epi8(raw(mask)) == 0xFFFF; }
 
 // On floats b where the two do not compare.
 template <class T> Vec<T> min(Vec<T> a, Vec<T> b) {

@@ -115,16 +115,22 @@ template <class T> struct Faded {
 // Pixels of `Pixel` samples, alpha last; with Pixel 1 the alpha of planes.
 template <class Op, bool Premultiplied, class T, int Pixel, class Fade> struct Pixels {
     static constexpr int pixel = Pixel;
+    static constexpr bool is_long = true; // no need to unroll
     Fade fadeA, fadeB;
 
     Vec<T> operator()(Vec<T> a, Vec<T> b) const {
         a = fadeA(a), b = fadeB(b);
+        if constexpr (std::is_same_v<Op, Over> && std::is_unsigned_v<T>) { // what most of a matte is: opaque or empty, with the same result
+            if (all((~a & alpha_samples<T, Pixel>()) == 0)) return a;
+            if (Premultiplied && all(a == 0)) return b;
+        }
         return compose<Op, Premultiplied, T>(a, coverage_of<T, Pixel>(a), b, coverage_of<T, Pixel>(b));
     }
 };
 
 // A colour plane: A, the alpha of A and the alpha of B in one array, and B.
 template <class Op, bool Premultiplied, class T, class Fade> struct Colours {
+    static constexpr bool is_long = true; // no need to unroll
     Fade fadeA, fadeB;
 
     template <class Registers> Vec<T> operator()(const Registers& r, Vec<T> b) const {
@@ -136,6 +142,7 @@ template <class Op, bool Premultiplied, class T, class Fade> struct Colours {
 
 // Samples under constant alphas.
 template <class Op, bool Premultiplied, class T> struct Constant {
+    static constexpr bool is_long = true; // no need to unroll
     Coverage<T> ofA, ofB;
     Vec<T> operator()(Vec<T> a, Vec<T> b) const { return compose<Op, Premultiplied, T>(a, ofA, b, ofB); }
 };

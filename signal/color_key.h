@@ -51,6 +51,7 @@ private:
 // Where the colours of a pixel of 8u AC4 do not equal the key, the two pixels are composed by `inner`.
 template <class Inner> struct ColorKeyComposition {
     static constexpr int pixel = 4;
+    static constexpr bool is_long = true;
     Vec<Zet32u> key; // alpha 0
     Inner inner;
 

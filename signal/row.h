@@ -171,10 +171,16 @@ template <class Writes, class T, class A, class Op>
         const Vec<T> result = op(Writes::guarded(op, a.whole(i, phase), phase), load(b + i));
         store(dst + i, Writes::merge(result, load(dst + i), phase));
     };
-    ptrdiff_t i = 0;
-#pragma GCC unroll 4
-    for (; i <= n - period * lanes<T>; i += period * lanes<T>)
+    const auto round = [&](ptrdiff_t i) __attribute__((always_inline)) {
         for (int phase = 0; phase < period; ++phase) whole(i + phase * lanes<T>, phase);
+    };
+    ptrdiff_t i = 0;
+    if constexpr (requires { Op::is_long; }) { // nothing to gain from unrolling
+        for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+    } else {
+#pragma GCC unroll 4
+        for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+    }
     int phase = 0;
     for (; i <= n - lanes<T>; i += lanes<T>) whole(i, phase++);
     if (const int rest = static_cast<int>(n - i); rest > 0) {
