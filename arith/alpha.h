@@ -109,7 +109,7 @@ ZetStatus alpha_comp_constant(const T* pSrc1, int src1Step, T alpha1, const T* p
         if constexpr (std::is_same_v<L, AC4>)
             run(alpha::Pixels<decltype(op), premultiplied, T, 4, alpha::Faded<T>>{fade<T, 4, premultiplied>(alpha1), fade<T, 4, premultiplied>(alpha2)});
         else
-            run(alpha::Constant<decltype(op), premultiplied, T>{alpha::coverage_by<T>(splat(alpha1)), alpha::coverage_by<T>(splat(alpha2))});
+            run(alpha::Constant<decltype(op), premultiplied, T>{splat(alpha1), splat(alpha2)});
     });
     return zetStsNoErr;
 }

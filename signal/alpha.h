@@ -140,11 +140,11 @@ template <class Op, bool Premultiplied, class T, class Fade> struct Colours {
     }
 };
 
-// Samples under constant alphas.
+// Samples under constant alphas. M - alpha is formed here, and not before: float rows have a float state of their own.
 template <class Op, bool Premultiplied, class T> struct Constant {
     static constexpr bool is_long = true; // no need to unroll
-    Coverage<T> ofA, ofB;
-    Vec<T> operator()(Vec<T> a, Vec<T> b) const { return compose<Op, Premultiplied, T>(a, ofA, b, ofB); }
+    Vec<T> alphaA, alphaB;
+    Vec<T> operator()(Vec<T> a, Vec<T> b) const { return compose<Op, Premultiplied, T>(a, coverage_by<T>(alphaA), b, coverage_by<T>(alphaB)); }
 };
 
 // Colours times the alpha of their pixel, times that of their plane's alpha plane, times a constant.
