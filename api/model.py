@@ -11,8 +11,10 @@ Argument kinds
   source, destination, both   an image (pointer and step); planar layouts take an array of plane pointers
   mask                        an image of Zet8u
   value                       one constant by value on C1, C3C and C4C, else a pointer to one per colour channel
+  sample                      one constant of the sample type by value, whatever the layout
   size, scale                 ZetiSize; the scale factor
   round_mode                  ZetRoundMode
+  alpha_type                  ZetAlphaType
   int                         a plain integer (flags, extents)
   int_out                     a pointer to an integer that the function writes
   memory                      a plain pointer
@@ -26,8 +28,11 @@ ROOT = Path(__file__).resolve().parent.parent
 FILES = ["core", "arith", "move", "stats", "filter", "geometry", "transform", "correlate"]
 
 TYPES = ["16sc", "32sc", "32fc", "24u", "16u", "16s", "32u", "32s", "32f", "64s", "64f", "8u", "8s", "1u"]
-CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P2": 2, "P3": 3, "P4": 4, "AP4": 4}
+CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P2": 2, "P3": 3, "P4": 4, "AP4": 4, "AC1": 2}
 COLOURS = {**CHANNELS, "AC4": 3, "C3C": 1, "C4C": 1}
+# C types of the arguments that do not depend on the sample type.
+PLAIN = {"size": "ZetiSize ", "scale": "int ", "round_mode": "ZetRoundMode ", "alpha_type": "ZetAlphaType ", "int": "int ",
+         "int_out": "int *", "memory": "void *"}
 BY_VALUE = {"C1", "C3C", "C4C"}
 
 
@@ -105,7 +110,8 @@ def _declare(text, types, layout):
         declaration = f"{destination_type} {name}" if by_value else f"const {destination_type} {name}[{COLOURS[destination]}]"
         kind = "value" if by_value else "values"
     else:
-        declaration = {"size": "ZetiSize ", "scale": "int ", "round_mode": "ZetRoundMode ", "int": "int ", "int_out": "int *", "memory": "void *"}[kind] + name
+        plain = {"sample": f"{destination_type} ", **PLAIN}
+        declaration = plain[kind] + name
     arguments = [Argument(kind, name, declaration)]
     if step:
         arguments.append(Argument("step", step[0], f"int {step[0]}"))

@@ -18,6 +18,9 @@ struct C3 : Layout<3, 3> {};
 struct C4 : Layout<4, 4> {};
 struct AC4 : Layout<4, 3> {};
 
+// One colour sample and its alpha, side by side.
+struct AC1 : Layout<2, 1> {};
+
 // Channel of interest: the pointer addresses one channel of an interleaved image.
 struct C3C : Layout<3, 1> {};
 struct C4C : Layout<4, 1> {};
@@ -25,6 +28,7 @@ struct C4C : Layout<4, 1> {};
 // Separate planes; an argument of this layout is an array of plane pointers.
 struct P3 : Layout<3, 3> {};
 struct P4 : Layout<4, 4> {};
+struct AP4 : Layout<4, 3> {};
 
 // Source layout, then destination layout.
 template <class Source, class Destination> struct Pair {

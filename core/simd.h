@@ -115,8 +115,9 @@ template <class T, class M> Vec<T> select(M mask, Vec<T> a, Vec<T> b) {
     return as_lanes<T>(_mm_or_si128(_mm_and_si128(raw(mask), raw(a)), _mm_andnot_si128(raw(mask), raw(b))));
 }
 
-// True when some lane of a comparison holds.
+// True when some lane of a comparison holds; when all do.
 template <class M> bool any(M mask) { return _mm_movemask_epi8(raw(mask)) != 0; }
+template <class M> bool all(M mask) { return _mm_movemask_epi8(raw(mask)) == 0xFFFF; }
 
 // On floats b where the two do not compare.
 template <class T> Vec<T> min(Vec<T> a, Vec<T> b) {
@@ -136,8 +137,10 @@ template <class T> Vec<T> max(Vec<T> a, Vec<T> b) {
 
 template <class T> Vec<T> add_saturating(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_adds_epu8(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet8s>) return as_lanes<T>(_mm_adds_epi8(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet16u>) return as_lanes<T>(_mm_adds_epu16(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_adds_epi16(raw(a), raw(b)));
+    else if constexpr (std::is_same_v<T, Zet32u>) return (a + b) | as_lanes<T>(a + b < a);
     else {
         static_assert(std::is_same_v<T, Zet32s>);
         const Vec<Zet32s> sum = as_lanes<Zet32s>(_mm_add_epi32(raw(a), raw(b))); // wraps

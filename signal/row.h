@@ -3,7 +3,7 @@
 //
 // A kernel `op` takes and gives whole registers and is the only definition of its arithmetic: the tail of a row goes
 // through the same kernel as a partial register. b is a row; a is another row, a pattern of constants that repeats, several
-// such patterns, or nothing (a kernel of one operand ignores what it is given first).
+// such rows or patterns, or nothing (a kernel of one operand ignores what it is given first).
 #pragma once
 
 #include <algorithm>
@@ -14,6 +14,24 @@
 
 namespace zeti {
 
+namespace detail {
+
+// What a kernel takes at least: one sample, or the pixel of a kernel whose samples depend on one another.
+template <class Op> constexpr int unit_of() {
+    if constexpr (requires { Op::pixel; }) return Op::pixel;
+    else return 1;
+}
+template <int n, class T> Vec<T> load_unit(const T* p) {
+    if constexpr (n == lanes<T>) return load(p);
+    else return load(p, n);
+}
+template <int n, class T> void store_unit(T* p, Vec<T> v) {
+    if constexpr (n == lanes<T>) store(p, v);
+    else store(p, v, n);
+}
+
+} // namespace detail
+
 // First operand: a row of samples.
 template <class T> struct RowOperand {
     static constexpr int period = 1;
@@ -21,7 +39,7 @@ template <class T> struct RowOperand {
 
     Vec<T> whole(ptrdiff_t i, int) const { return load(p + i); }
     Vec<T> part(ptrdiff_t i, int, int n) const { return load(p + i, n); }
-    Vec<T> sample(ptrdiff_t i) const { return load(p + i, 1); }
+    template <int n> Vec<T> unit(ptrdiff_t i) const { return detail::load_unit<n>(p + i); }
     RowOperand from(ptrdiff_t i) const { return {p + i}; }
     bool written_ahead_by(const T* dst, ptrdiff_t n) const { return dst > p && dst < p + n; }
 };
@@ -37,50 +55,56 @@ template <class T, int Period> struct Pattern {
     }
     Vec<T> whole(ptrdiff_t, int phase) const { return load(samples + phase * lanes<T>); }
     Vec<T> part(ptrdiff_t i, int phase, int) const { return whole(i, phase); }
-    Vec<T> sample(ptrdiff_t i) const { return load(samples + i % count); }
+    template <int> Vec<T> unit(ptrdiff_t i) const { return load(samples + i % count); }
     Pattern from(ptrdiff_t i) const { return Pattern(samples + i % count, count); }
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
 };
 
-// First operand: N patterns side by side; the kernel is given an array of N registers.
-template <class T, int Period, int N> struct Patterns {
-    static constexpr int period = Period;
-    struct Registers {
-        Vec<T> v[N];
-        Vec<T> operator[](int k) const { return v[k]; }
-    };
-    Pattern<T, Period> pattern[N];
+// First operand: N rows or patterns side by side; the kernel is given an array of N registers.
+template <class T, int N> struct Registers {
+    Vec<T> v[N];
+    Vec<T> operator[](int k) const { return v[k]; }
+};
+template <class T, class Operand, int N> struct Operands {
+    static constexpr int period = Operand::period;
+    Operand operand[N];
 
-    Registers whole(ptrdiff_t i, int phase) const {
-        return each([&](const auto& p) { return p.whole(i, phase); });
+    Registers<T, N> whole(ptrdiff_t i, int phase) const {
+        return each([&](const auto& o) { return o.whole(i, phase); });
     }
-    Registers part(ptrdiff_t i, int phase, int n) const {
-        return each([&](const auto& p) { return p.part(i, phase, n); });
+    Registers<T, N> part(ptrdiff_t i, int phase, int n) const {
+        return each([&](const auto& o) { return o.part(i, phase, n); });
     }
-    Registers sample(ptrdiff_t i) const {
-        return each([&](const auto& p) { return p.sample(i); });
+    template <int n> Registers<T, N> unit(ptrdiff_t i) const {
+        return each([&](const auto& o) { return o.template unit<n>(i); });
     }
-    Patterns from(ptrdiff_t i) const {
-        Patterns shifted = *this;
-        for (auto& p : shifted.pattern) p = p.from(i);
+    Operands from(ptrdiff_t i) const {
+        Operands shifted = *this;
+        for (auto& o : shifted.operand) o = o.from(i);
         return shifted;
     }
-    bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
+    bool written_ahead_by(const T* dst, ptrdiff_t n) const {
+        bool any = false;
+        for (const auto& o : operand) any |= o.written_ahead_by(dst, n);
+        return any;
+    }
 
 private:
-    template <class Take> Registers each(Take take) const {
-        Registers r;
-        for (int k = 0; k < N; ++k) r.v[k] = take(pattern[k]);
+    template <class Take> Registers<T, N> each(Take take) const {
+        Registers<T, N> r;
+        for (int k = 0; k < N; ++k) r.v[k] = take(operand[k]);
         return r;
     }
 };
+template <class T, int N> using Rows = Operands<T, RowOperand<T>, N>;
+template <class T, int Period, int N> using Patterns = Operands<T, Pattern<T, Period>, N>;
 
 // First operand: none.
 template <class T> struct NoOperand {
     static constexpr int period = 1;
-    Vec<T> whole(ptrdiff_t, int) const { return {}; }
-    Vec<T> part(ptrdiff_t, int, int) const { return {}; }
-    Vec<T> sample(ptrdiff_t) const { return {}; }
+    Vec<T> whole(ptrdiff_t, int) const { return Vec<T>{}; }
+    Vec<T> part(ptrdiff_t, int, int) const { return Vec<T>{}; }
+    template <int> Vec<T> unit(ptrdiff_t) const { return Vec<T>{}; }
     NoOperand from(ptrdiff_t) const { return {}; }
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
 };
@@ -125,10 +149,11 @@ template <class T, class Op, class A> A padded(const Op& op, A a, int n) {
     else return a;
 }
 
-// One sample at a time, in order: where the destination runs ahead of a source within the row, results become sources.
-template <class Writes, class T, class A, class Op> void row_by_sample(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op) {
-    for (ptrdiff_t i = 0; i < n; ++i)
-        if (!Writes::skips(i)) store(dst + i, Vec<T>(op(padded<T>(op, a.sample(i), 1), load(b + i, 1))), 1);
+// One unit at a time, in order: where the destination runs ahead of a source within the row, results become sources.
+template <class Writes, class T, class A, class Op> void row_by_unit(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op) {
+    constexpr int unit = unit_of<Op>();
+    for (ptrdiff_t i = 0; i < n; i += unit)
+        if (!Writes::skips(i)) store_unit<unit, T>(dst + i, op(padded<T>(op, a.template unit<unit>(i), unit), load_unit<unit>(b + i)));
 }
 
 } // namespace detail
@@ -139,21 +164,27 @@ template <class Writes, class T, class A, class Op>
     Op op = kernel; // in registers for the row
     const A a = operand;
     if (a.written_ahead_by(dst, n) || RowOperand<T>{b}.written_ahead_by(dst, n)) {
-        detail::row_by_sample<Writes>(a, b, dst, n, kernel);
+        detail::row_by_unit<Writes>(a, b, dst, n, kernel);
         return;
     }
     const auto whole = [&](ptrdiff_t i, int phase) __attribute__((always_inline)) {
         const Vec<T> result = op(Writes::guarded(op, a.whole(i, phase), phase), load(b + i));
         store(dst + i, Writes::merge(result, load(dst + i), phase));
     };
-    ptrdiff_t i = 0;
-#pragma GCC unroll 4
-    for (; i <= n - period * lanes<T>; i += period * lanes<T>)
+    const auto round = [&](ptrdiff_t i) __attribute__((always_inline)) {
         for (int phase = 0; phase < period; ++phase) whole(i + phase * lanes<T>, phase);
+    };
+    ptrdiff_t i = 0;
+    if constexpr (requires { Op::is_long; }) { // nothing to gain from unrolling
+        for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+    } else {
+#pragma GCC unroll 4
+        for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+    }
     int phase = 0;
     for (; i <= n - lanes<T>; i += lanes<T>) whole(i, phase++);
     if (const int rest = static_cast<int>(n - i); rest > 0) {
-        const Vec<T> first = detail::padded<T>(op, Writes::guarded(op, a.part(i, phase, rest), phase), rest);
+        const auto first = detail::padded<T>(op, Writes::guarded(op, a.part(i, phase, rest), phase), rest);
         const Vec<T> result = op(first, load(b + i, rest));
         store(dst + i, Writes::merge(result, load(dst + i, rest), phase), rest);
     }
@@ -167,7 +198,7 @@ template <class T, class A, class Op> void streaming_row(const A& a, const T* b,
     alignas(64) T buffer[chunk];
     const ptrdiff_t misaligned = static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % 64);
     const bool overlaps = (b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
-    if (overlaps || misaligned % ptrdiff_t{sizeof(T)} != 0) return row<WriteAll<T>>(a, b, dst, n, op);
+    if (overlaps || misaligned % ptrdiff_t{detail::unit_of<Op>() * sizeof(T)} != 0) return row<WriteAll<T>>(a, b, dst, n, op);
     const ptrdiff_t head = std::min(n, (64 - misaligned) % 64 / ptrdiff_t{sizeof(T)});
     if (head > 0) row<WriteAll<T>>(a, b, dst, head, op);
     const A rest = a.from(head);

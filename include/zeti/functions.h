@@ -646,6 +646,87 @@ ZETI_API ZetStatus zetiDiv_Round_16s_C4IRSfs(const Zet16s *pSrc, int srcStep, Ze
 ZETI_API ZetStatus zetiDiv_Round_16s_AC4RSfs(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
 ZETI_API ZetStatus zetiDiv_Round_16s_AC4IRSfs(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
 
+/* AlphaComp. Composition of two images under their alpha (Porter and Duff, 1984): dst = A * fA + B * fB, A and B being premultiplied. */
+ZETI_API ZetStatus zetiAlphaComp_8u_AC1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_8u_AP4R(const Zet8u *const pSrc1[4], int src1Step, const Zet8u *const pSrc2[4], int src2Step, Zet8u *const pDst[4], int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_16u_AC1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_16u_AC4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_16u_AP4R(const Zet16u *const pSrc1[4], int src1Step, const Zet16u *const pSrc2[4], int src2Step, Zet16u *const pDst[4], int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_8s_AC1R(const Zet8s *pSrc1, int src1Step, const Zet8s *pSrc2, int src2Step, Zet8s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_8s_AC4R(const Zet8s *pSrc1, int src1Step, const Zet8s *pSrc2, int src2Step, Zet8s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_16s_AC1R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_16s_AC4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_32u_AC1R(const Zet32u *pSrc1, int src1Step, const Zet32u *pSrc2, int src2Step, Zet32u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_32u_AC4R(const Zet32u *pSrc1, int src1Step, const Zet32u *pSrc2, int src2Step, Zet32u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_32s_AC1R(const Zet32s *pSrc1, int src1Step, const Zet32s *pSrc2, int src2Step, Zet32s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_32s_AC4R(const Zet32s *pSrc1, int src1Step, const Zet32s *pSrc2, int src2Step, Zet32s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_32f_AC1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, Zet32f *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaComp_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, Zet32f *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+
+/* AlphaCompC. Composition of two images under constant alpha (Porter and Duff, 1984): dst = A * fA + B * fB, A and B being premultiplied. */
+ZETI_API ZetStatus zetiAlphaCompC_8u_C1R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_8u_C3R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_8u_C4R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_8u_AC4R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_8u_AP4R(const Zet8u *const pSrc1[4], int src1Step, Zet8u alpha1, const Zet8u *const pSrc2[4], int src2Step, Zet8u alpha2, Zet8u *const pDst[4], int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_16u_C1R(const Zet16u *pSrc1, int src1Step, Zet16u alpha1, const Zet16u *pSrc2, int src2Step, Zet16u alpha2, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_16u_C3R(const Zet16u *pSrc1, int src1Step, Zet16u alpha1, const Zet16u *pSrc2, int src2Step, Zet16u alpha2, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_16u_C4R(const Zet16u *pSrc1, int src1Step, Zet16u alpha1, const Zet16u *pSrc2, int src2Step, Zet16u alpha2, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_16u_AC4R(const Zet16u *pSrc1, int src1Step, Zet16u alpha1, const Zet16u *pSrc2, int src2Step, Zet16u alpha2, Zet16u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_16u_AP4R(const Zet16u *const pSrc1[4], int src1Step, Zet16u alpha1, const Zet16u *const pSrc2[4], int src2Step, Zet16u alpha2, Zet16u *const pDst[4], int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_8s_C1R(const Zet8s *pSrc1, int src1Step, Zet8s alpha1, const Zet8s *pSrc2, int src2Step, Zet8s alpha2, Zet8s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_16s_C1R(const Zet16s *pSrc1, int src1Step, Zet16s alpha1, const Zet16s *pSrc2, int src2Step, Zet16s alpha2, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_32u_C1R(const Zet32u *pSrc1, int src1Step, Zet32u alpha1, const Zet32u *pSrc2, int src2Step, Zet32u alpha2, Zet32u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_32s_C1R(const Zet32s *pSrc1, int src1Step, Zet32s alpha1, const Zet32s *pSrc2, int src2Step, Zet32s alpha2, Zet32s *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+ZETI_API ZetStatus zetiAlphaCompC_32f_C1R(const Zet32f *pSrc1, int src1Step, Zet32f alpha1, const Zet32f *pSrc2, int src2Step, Zet32f alpha2, Zet32f *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
+
+/* AlphaPremul. Multiplies colours by the alpha of their pixel: dst = colour * alpha; alpha is copied. */
+ZETI_API ZetStatus zetiAlphaPremul_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremul_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremul_8u_AP4R(const Zet8u *const pSrc[4], int srcStep, Zet8u *const pDst[4], int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremul_8u_AP4IR(Zet8u *const pSrcDst[4], int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremul_16u_AC4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremul_16u_AC4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremul_16u_AP4R(const Zet16u *const pSrc[4], int srcStep, Zet16u *const pDst[4], int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremul_16u_AP4IR(Zet16u *const pSrcDst[4], int srcDstStep, ZetiSize roiSize);
+
+/* AlphaPremulC. Multiplies colours by a constant alpha: dst = src * alpha. */
+ZETI_API ZetStatus zetiAlphaPremulC_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u alpha, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_C1IR(Zet8u alpha, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u alpha, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_C3IR(Zet8u alpha, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u alpha, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_C4IR(Zet8u alpha, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u alpha, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_AC4IR(Zet8u alpha, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_AP4R(const Zet8u *const pSrc[4], int srcStep, Zet8u alpha, Zet8u *const pDst[4], int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_8u_AP4IR(Zet8u alpha, Zet8u *const pSrcDst[4], int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_C1R(const Zet16u *pSrc, int srcStep, Zet16u alpha, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_C1IR(Zet16u alpha, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_C3R(const Zet16u *pSrc, int srcStep, Zet16u alpha, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_C3IR(Zet16u alpha, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_C4R(const Zet16u *pSrc, int srcStep, Zet16u alpha, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_C4IR(Zet16u alpha, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_AC4R(const Zet16u *pSrc, int srcStep, Zet16u alpha, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_AC4IR(Zet16u alpha, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_AP4R(const Zet16u *const pSrc[4], int srcStep, Zet16u alpha, Zet16u *const pDst[4], int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiAlphaPremulC_16u_AP4IR(Zet16u alpha, Zet16u *const pSrcDst[4], int srcDstStep, ZetiSize roiSize);
+
+/* CompColorKey. Composition of two images by a colour key: dst = src1 == colorKey ? src2 : src1. */
+ZETI_API ZetStatus zetiCompColorKey_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet8u colorKey);
+ZETI_API ZetStatus zetiCompColorKey_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u colorKey[3]);
+ZETI_API ZetStatus zetiCompColorKey_8u_C4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u colorKey[4]);
+ZETI_API ZetStatus zetiCompColorKey_16u_C1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, Zet16u colorKey);
+ZETI_API ZetStatus zetiCompColorKey_16u_C3R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet16u colorKey[3]);
+ZETI_API ZetStatus zetiCompColorKey_16u_C4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet16u colorKey[4]);
+ZETI_API ZetStatus zetiCompColorKey_16s_C1R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, Zet16s colorKey);
+ZETI_API ZetStatus zetiCompColorKey_16s_C3R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet16s colorKey[3]);
+ZETI_API ZetStatus zetiCompColorKey_16s_C4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet16s colorKey[4]);
+
+/* AlphaCompColorKey. Composition of two images by a colour key and under their alpha: dst = src1 == colorKey ? src2 : composition of src1 and src2. */
+ZETI_API ZetStatus zetiAlphaCompColorKey_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u colorKey[3], ZetAlphaType alphaType);
+
 /* Copy. Copies pixels, also between layouts. */
 ZETI_API ZetStatus zetiCopy_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiCopy_8u_C1MR(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *pMask, int maskStep);

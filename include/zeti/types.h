@@ -11,6 +11,13 @@
 #define ZETI_EXTENSION
 #endif
 
+/* Enumerations are signed 32-bit numbers, and a function may be given any number for one. */
+#if defined(__cplusplus) && __cplusplus >= 201103L
+#define ZETI_INT_ENUM : int
+#else
+#define ZETI_INT_ENUM
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -76,6 +83,22 @@ typedef struct {
     const char *Version;
     const char *BuildDate;
 } ZetLibraryVersion;
+
+/* How the first of two images covers the second one; on premultiplied images the colours are alpha times colour already. */
+typedef enum ZETI_INT_ENUM {
+    zetAlphaOver = 0,
+    zetAlphaIn = 1,
+    zetAlphaOut = 2,
+    zetAlphaATop = 3,
+    zetAlphaXor = 4,
+    zetAlphaPlus = 5,
+    zetAlphaOverPremul = 6,
+    zetAlphaInPremul = 7,
+    zetAlphaOutPremul = 8,
+    zetAlphaATopPremul = 9,
+    zetAlphaXorPremul = 10,
+    zetAlphaPlusPremul = 11
+} ZetAlphaType;
 
 #ifdef __cplusplus
 }
