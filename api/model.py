@@ -9,10 +9,13 @@ Vocabulary of the TOML files
 
 Argument kinds
   source, destination, both   an image (pointer and step); planar layouts take an array of plane pointers
-  mask                        an image of Zet8u
+  mask, mask_out              an image of Zet8u that is read; one that is written, one byte per pixel
   value                       one constant by value on C1, C3C and C4C, else a pointer to one per colour channel
+  count                       likewise, of Zet32u whatever the sample type
   size, scale                 ZetiSize; the scale factor
-  int                         a plain integer (flags, extents)
+  cmp_op                      ZetCmpOp
+  int, float                  a plain number (flags, extents, tolerances)
+  value_out                   a pointer to a sample that the function writes
   int_out                     a pointer to an integer that the function writes
   memory                      a plain pointer
 """
@@ -99,12 +102,17 @@ def _declare(text, types, layout):
         declaration = image(destination_type, destination, "")
     elif kind == "mask":
         declaration = f"const Zet8u *{name}"
-    elif kind == "value":
+    elif kind == "mask_out":
+        declaration = f"Zet8u *{name}"
+    elif kind in ("value", "count"):
         by_value = destination in BY_VALUE
-        declaration = f"{destination_type} {name}" if by_value else f"const {destination_type} {name}[{COLOURS[destination]}]"
-        kind = "value" if by_value else "values"
+        value_type = "Zet32u" if kind == "count" else destination_type
+        declaration = f"{value_type} {name}" if by_value else f"const {value_type} {name}[{COLOURS[destination]}]"
+        kind += "" if by_value else "s"
     else:
-        declaration = {"size": "ZetiSize ", "scale": "int ", "int": "int ", "int_out": "int *", "memory": "void *"}[kind] + name
+        plain = {"size": "ZetiSize ", "scale": "int ", "cmp_op": "ZetCmpOp ", "int": "int ", "float": "Zet32f ",
+                 "value_out": f"{destination_type} *", "int_out": "int *", "memory": "void *"}
+        declaration = plain[kind] + name
     arguments = [Argument(kind, name, declaration)]
     if step:
         arguments.append(Argument("step", step[0], f"int {step[0]}"))

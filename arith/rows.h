@@ -32,22 +32,43 @@ template <class R> struct NoImage {
     static bool is(const R*) { return false; }
 };
 
+// The constants of a call: one by value on C1, else a pointer to one per colour channel.
+template <class T> const T* constants(const T& value) { return &value; }
+template <class T> const T* constants(const T* const& values) { return values; }
+
 template <class T, class L> class ConstantOperand {
     using R = Real<T>;
     static constexpr int pixel = pixel_samples<T, L>;
     static constexpr int period = 16 % (pixel * sizeof(R)) == 0 ? 1 : pixel * sizeof(R) % 32 == 0 ? 2 : 3;
-
-public:
-    explicit ConstantOperand(const T* values) : pattern_(Pixel(values).samples, pixel) {}
-    const Pattern<R, period>& row(ptrdiff_t) const { return pattern_; }
-    static bool is(const R*) { return false; }
-
-private:
     struct Pixel { // alpha has no constant
         R samples[pixel] = {};
         explicit Pixel(const T* values) { std::memcpy(samples, values, sizeof(T) * L::colours); }
     };
-    Pattern<R, period> pattern_;
+
+public:
+    using Pattern = zeti::Pattern<R, period>;
+    static Pattern pattern(const T* values) { return Pattern(Pixel(values).samples, pixel); }
+
+    explicit ConstantOperand(const T* values) : pattern_(pattern(values)) {}
+    const Pattern& row(ptrdiff_t) const { return pattern_; }
+    static bool is(const R*) { return false; }
+
+private:
+    Pattern pattern_;
+};
+
+// Several constants per channel, for kernels that are given an array of them.
+template <class T, class L, int N> class ConstantOperands {
+    using One = ConstantOperand<T, L>;
+    using Patterns = zeti::Patterns<T, One::Pattern::period, N>;
+
+public:
+    template <class... Values> explicit ConstantOperands(Values... values) : patterns_{{One::pattern(values)...}} {}
+    const Patterns& row(ptrdiff_t) const { return patterns_; }
+    static bool is(const T*) { return false; }
+
+private:
+    Patterns patterns_;
 };
 
 // Fills what the layout writes with zeros.
@@ -80,7 +101,9 @@ private:
 template <class Writes, class R, class Operand, class Kernel>
 void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, bool fork, Kernel& kernel) {
     constexpr bool writes_all = std::is_same_v<Writes, WriteAll<R>>;
-    const bool streams = writes_all && area(e) * int64_t{sizeof(R)} >= arithmetic_streams_from && b.pointer != dst.pointer && !a.is(dst.pointer);
+    constexpr bool reads_b = !leaves_row_unread<Kernel, std::remove_cvref_t<decltype(a.row(0))>>;
+    const bool inPlace = (reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
+    const bool streams = writes_all && area(e) * int64_t{sizeof(R)} >= arithmetic_streams_from && !inPlace;
     const auto one_row = [&](ptrdiff_t y) {
         if constexpr (writes_all)
             if (streams) return streaming_row(a.row(y), b.row(y), dst.row(y), e.width, kernel);

@@ -3,7 +3,7 @@
 //
 // A kernel `op` takes and gives whole registers and is the only definition of its arithmetic: the tail of a row goes
 // through the same kernel as a partial register. b is a row; a is another row, a pattern of constants that repeats, several
-// such patterns, or nothing (a kernel of one operand ignores what it is given first).
+// such patterns, or nothing (a kernel of one operand ignores what it is given first). A kernel that takes a alone leaves b unread.
 #pragma once
 
 #include <algorithm>
@@ -38,7 +38,7 @@ template <class T, int Period> struct Pattern {
     Vec<T> whole(ptrdiff_t, int phase) const { return load(samples + phase * lanes<T>); }
     Vec<T> part(ptrdiff_t i, int phase, int) const { return whole(i, phase); }
     Vec<T> sample(ptrdiff_t i) const { return load(samples + i % count); }
-    Pattern from(ptrdiff_t i) const { return Pattern(samples + i % count, count); }
+    Pattern from(ptrdiff_t i) const { return i % count == 0 ? *this : Pattern(samples + i % count, count); }
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
 };
 
@@ -78,12 +78,15 @@ private:
 // First operand: none.
 template <class T> struct NoOperand {
     static constexpr int period = 1;
-    Vec<T> whole(ptrdiff_t, int) const { return {}; }
-    Vec<T> part(ptrdiff_t, int, int) const { return {}; }
-    Vec<T> sample(ptrdiff_t) const { return {}; }
+    Vec<T> whole(ptrdiff_t, int) const { return Vec<T>{}; }
+    Vec<T> part(ptrdiff_t, int, int) const { return Vec<T>{}; }
+    Vec<T> sample(ptrdiff_t) const { return Vec<T>{}; }
     NoOperand from(ptrdiff_t) const { return {}; }
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
 };
+
+// Whether a kernel takes its first operand alone.
+template <class Op, class A> inline constexpr bool leaves_row_unread = requires(Op& op, const A& a) { op(a.whole(0, 0)); };
 
 // What becomes of the destination: all samples are written.
 template <class T> struct WriteAll {
@@ -125,10 +128,16 @@ template <class T, class Op, class A> A padded(const Op& op, A a, int n) {
     else return a;
 }
 
+// op(a, b), or op(a) for a kernel that takes a alone.
+template <class T, class Op, class A, class LoadB> [[gnu::always_inline]] inline Vec<T> applied(Op& op, const A& a, LoadB b) {
+    if constexpr (requires { op(a); }) return op(a);
+    else return op(a, b());
+}
+
 // One sample at a time, in order: where the destination runs ahead of a source within the row, results become sources.
 template <class Writes, class T, class A, class Op> void row_by_sample(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op) {
     for (ptrdiff_t i = 0; i < n; ++i)
-        if (!Writes::skips(i)) store(dst + i, Vec<T>(op(padded<T>(op, a.sample(i), 1), load(b + i, 1))), 1);
+        if (!Writes::skips(i)) store(dst + i, applied<T>(op, padded<T>(op, a.sample(i), 1), [&] { return load(b + i, 1); }), 1);
 }
 
 } // namespace detail
@@ -143,7 +152,7 @@ template <class Writes, class T, class A, class Op>
         return;
     }
     const auto whole = [&](ptrdiff_t i, int phase) __attribute__((always_inline)) {
-        const Vec<T> result = op(Writes::guarded(op, a.whole(i, phase), phase), load(b + i));
+        const Vec<T> result = detail::applied<T>(op, Writes::guarded(op, a.whole(i, phase), phase), [&] { return load(b + i); });
         store(dst + i, Writes::merge(result, load(dst + i), phase));
     };
     ptrdiff_t i = 0;
@@ -153,8 +162,8 @@ template <class Writes, class T, class A, class Op>
     int phase = 0;
     for (; i <= n - lanes<T>; i += lanes<T>) whole(i, phase++);
     if (const int rest = static_cast<int>(n - i); rest > 0) {
-        const Vec<T> first = detail::padded<T>(op, Writes::guarded(op, a.part(i, phase, rest), phase), rest);
-        const Vec<T> result = op(first, load(b + i, rest));
+        const auto first = detail::padded<T>(op, Writes::guarded(op, a.part(i, phase, rest), phase), rest);
+        const Vec<T> result = detail::applied<T>(op, first, [&] { return load(b + i, rest); });
         store(dst + i, Writes::merge(result, load(dst + i, rest), phase), rest);
     }
     if constexpr (requires { op.saw_zero(); }) kernel = op; // what it saw; other kernels are shared by threads and stay as they are
@@ -166,7 +175,7 @@ template <class T, class A, class Op> void streaming_row(const A& a, const T* b,
     constexpr ptrdiff_t chunk = 48 * 64 / ptrdiff_t{sizeof(T)}; // whole cache lines and whole patterns
     alignas(64) T buffer[chunk];
     const ptrdiff_t misaligned = static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % 64);
-    const bool overlaps = (b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
+    const bool overlaps = (!leaves_row_unread<Op, A> && b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
     if (overlaps || misaligned % ptrdiff_t{sizeof(T)} != 0) return row<WriteAll<T>>(a, b, dst, n, op);
     const ptrdiff_t head = std::min(n, (64 - misaligned) % 64 / ptrdiff_t{sizeof(T)});
     if (head > 0) row<WriteAll<T>>(a, b, dst, head, op);

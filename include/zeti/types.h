@@ -11,6 +11,13 @@
 #define ZETI_EXTENSION
 #endif
 
+/* Enumerations are signed 32-bit numbers, and a function may be given any number for one. */
+#if defined(__cplusplus) && __cplusplus >= 201103L
+#define ZETI_INT_ENUM : int
+#else
+#define ZETI_INT_ENUM
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -69,6 +76,15 @@ typedef struct {
     const char *Version;
     const char *BuildDate;
 } ZetLibraryVersion;
+
+/* A comparison of the first operand against the second. */
+typedef enum ZETI_INT_ENUM {
+    zetCmpLess = 0,
+    zetCmpLessEq = 1,
+    zetCmpEq = 2,
+    zetCmpGreaterEq = 3,
+    zetCmpGreater = 4
+} ZetCmpOp;
 
 #ifdef __cplusplus
 }
