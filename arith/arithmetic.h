@@ -17,15 +17,19 @@ template <class Op, class T> struct LaneOp { using type = Op; };
 template <> struct LaneOp<Mul, Zet16sc> { using type = MulComplex16; };
 template <> struct LaneOp<Mul, Zet32fc> { using type = MulComplex32f; };
 
-// Calls use(kernel) with the row kernel of the path. The choice is made once per call.
-template <class Op, class T, class Use> void with_kernel(Path path, int s, Use use) {
+// Calls use(kernel) with the row kernel of the path. The choice is made once per call. `uniform`, if not null, is the value that
+// every sample of the first operand has.
+template <class Op, class T, class Use> void with_kernel(Path path, int s, [[maybe_unused]] const T* uniform, Use use) {
     using R = Real<T>;
     using K = typename LaneOp<Op, T>::type;
     if constexpr (std::is_floating_point_v<R>) {
         use(Unscaled<K, R>());
     } else {
         switch (path) {
-        case Path::unscaled: return use(Unscaled<K, R>());
+        case Path::unscaled:
+            if constexpr (std::is_same_v<Op, Mul> && std::is_same_v<T, Zet8u>)
+                if (uniform) return use(MulByConstant8u(*uniform));
+            return use(Unscaled<K, R>());
         case Path::half: return use(Halved<K, R>());
         case Path::down:
             if constexpr (std::is_same_v<Op, Mul> && std::is_same_v<T, Zet16u>)
@@ -38,16 +42,18 @@ template <class Op, class T, class Use> void with_kernel(Path path, int s, Use u
     }
 }
 
-// All paths of two operands, the checks passed. `a` gives the first operand by rows.
+// All paths of two operands, the checks passed. `a` gives the first operand by rows. The call's own s decides about forking;
+// `computed` is the scale to compute with, which may be lower where the operand was reduced.
 template <class Op, class T, class L, Form F, class Operand>
-void arithmetic(const Operand& a, Src<T> b, Dst<T> dst, ZetiSize roi, int s) {
+void arithmetic(const Operand& a, Src<T> b, Dst<T> dst, ZetiSize roi, int s, int computed, const T* uniform = nullptr) {
     using R = Real<T>;
     const Path path = std::is_floating_point_v<R> ? Path::unscaled : path_of(scale_range<Op, T>, s);
     if (path == Path::zero) return clear<T, L>(dst, roi);
     const Extent e = real_samples<T, L>(roi);
     constexpr bool constants_of_pixel = (F == Form::constant || F == Form::constant_I) && L::channels > 1;
     const bool fork = forks<T> && !L::keeps_alpha && (constants_of_pixel || fork_from<Op, T, F>.at(path, e));
-    with_kernel<Op, T>(path, s, [&](auto kernel) { run_rows<Writes<T, L>>(a, as<R>(b), as<R>(dst), e, fork, kernel); });
+    const Path kernelPath = computed == s ? path : path_of(scale_range<Op, T>, computed);
+    with_kernel<Op, T>(kernelPath, computed, uniform, [&](auto kernel) { run_rows<Writes<T, L>>(a, as<R>(b), as<R>(dst), e, fork, kernel); });
 }
 
 // 32sc products have no register form.
@@ -61,7 +67,7 @@ template <class Op, class T> inline constexpr bool by_pixel = std::is_same_v<Op,
 
 template <class Op, class T, class L, Form F> void two_images(Src<T> a, Src<T> b, Dst<T> dst, ZetiSize roi, int s) {
     if constexpr (by_pixel<Op, T>) multiply_32sc<L>([=](ptrdiff_t y) { return SampleRow<T>{a.row(y)}; }, b, dst, roi, s);
-    else arithmetic<Op, T, L, F>(ImageOperand<Real<T>>{as<Real<T>>(a)}, b, dst, roi, s);
+    else arithmetic<Op, T, L, F>(ImageOperand<Real<T>>{as<Real<T>>(a)}, b, dst, roi, s, s);
 }
 
 template <class T, class L> ZetStatus check_width_first(ZetiSize roi) { return delegates<T, L> ? width(roi) : zetStsNoErr; }
@@ -126,8 +132,13 @@ template <class Op, class T, class L, Form F> void image_and_constant(Src<T> src
         SampleConstants<T> constants{};
         for (int c = 0; c < L::colours; ++c) constants.value[c] = values[c];
         multiply_32sc<L>([=](ptrdiff_t) { return constants; }, src, dst, roi, s);
+    } else if constexpr (std::is_same_v<Op, Mul> && L::channels == 1 && std::is_integral_v<T>) {
+        T value = *values;
+        int computed = s;
+        for (; computed > 0 && value % 2 == 0; --computed) value = static_cast<T>(value / 2); // the same products, exactly
+        arithmetic<Op, T, L, F>(ConstantOperand<T, L>(&value), src, dst, roi, s, computed, &value);
     } else {
-        arithmetic<Op, T, L, F>(ConstantOperand<T, L>(values), src, dst, roi, s);
+        arithmetic<Op, T, L, F>(ConstantOperand<T, L>(values), src, dst, roi, s, s);
     }
 }
 

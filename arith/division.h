@@ -77,7 +77,7 @@ template <class T, class L, Form F> ZetStatus divide_by_constants(Src<T> src, co
             return zetStsNoErr;
         }
         if (*values == 1) { // scaling alone
-            arithmetic<Mul, T, L, F>(ConstantOperand<T, L>(values), src, dst, roi, s);
+            arithmetic<Mul, T, L, F>(ConstantOperand<T, L>(values), src, dst, roi, s, s);
             return zetStsNoErr;
         }
     }

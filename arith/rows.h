@@ -25,11 +25,13 @@ template <class R> struct ImageOperand {
     Src<R> image;
     RowOperand<R> row(ptrdiff_t y) const { return {image.row(y)}; }
     bool is(const R* p) const { return image.pointer == p; }
+    bool contiguous(ptrdiff_t rowBytes) const { return image.step == rowBytes; }
 };
 
 template <class R> struct NoImage {
     NoOperand<R> row(ptrdiff_t) const { return {}; }
     static bool is(const R*) { return false; }
+    static bool contiguous(ptrdiff_t) { return true; }
 };
 
 // The constants of a call: one by value on C1, else a pointer to one per colour channel.
@@ -52,6 +54,7 @@ public:
     explicit ConstantOperand(const T* values) : pattern_(pattern(values)) {}
     const Pattern& row(ptrdiff_t) const { return pattern_; }
     static bool is(const R*) { return false; }
+    static bool contiguous(ptrdiff_t) { return true; } // a row is whole pixels: the pattern goes on where the next row begins
 
 private:
     Pattern pattern_;
@@ -66,6 +69,7 @@ public:
     template <class... Values> explicit ConstantOperands(Values... values) : patterns_{{One::pattern(values)...}} {}
     const Patterns& row(ptrdiff_t) const { return patterns_; }
     static bool is(const T*) { return false; }
+    static bool contiguous(ptrdiff_t) { return true; }
 
 private:
     Patterns patterns_;
@@ -98,23 +102,30 @@ private:
     bool streams_;
 };
 
+// Rows without gaps between them in any image are one long row: their kernel starts once per run of rows.
 template <class Writes, class R, class Operand, class Kernel>
 void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, bool fork, Kernel& kernel) {
     constexpr bool writes_all = std::is_same_v<Writes, WriteAll<R>>;
     constexpr bool reads_b = !leaves_row_unread<Kernel, std::remove_cvref_t<decltype(a.row(0))>>;
     const bool inPlace = (reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
-    const bool streams = writes_all && area(e) * int64_t{sizeof(R)} >= arithmetic_streams_from && !inPlace;
-    const auto one_row = [&](ptrdiff_t y) {
+    const ptrdiff_t rowBytes = e.width * ptrdiff_t{sizeof(R)};
+    const bool streams = writes_all && int64_t{rowBytes} * e.height >= arithmetic_streams_from && !inPlace;
+    const bool contiguous = b.step == rowBytes && dst.step == rowBytes && a.contiguous(rowBytes);
+    const auto one_row = [&](ptrdiff_t y, ptrdiff_t width) {
         if constexpr (writes_all)
-            if (streams) return streaming_row(a.row(y), b.row(y), dst.row(y), e.width, kernel);
-        row<Writes>(a.row(y), b.row(y), dst.row(y), e.width, kernel);
+            if (streams) return streaming_row(a.row(y), b.row(y), dst.row(y), width, kernel);
+        row<Writes>(a.row(y), b.row(y), dst.row(y), width, kernel);
+    };
+    const auto run = [&](ptrdiff_t first, ptrdiff_t count) {
+        if (contiguous) return one_row(first, e.width * count);
+        for (ptrdiff_t y = first; y < first + count; ++y) one_row(y, e.width);
     };
     const auto scope = [=] { return RowScope<R>(streams); };
     if (fork) {
-        static_rows(e.height, one_row, scope);
+        static_runs(e.height, run, scope);
     } else {
         [[maybe_unused]] const auto held = scope();
-        each_row(e, one_row);
+        run(0, e.height);
     }
 }
 

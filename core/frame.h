@@ -27,15 +27,25 @@ constexpr Strip strip_of(int thread, int threadCount, int units) {
     return {thread * each, thread == threadCount - 1 ? units - thread * each : each};
 }
 
-// Frame A: every thread takes one contiguous run of rows; the runs differ by at most one row. `row(y)` cannot fail.
-// What `scope()` returns lives in each thread for the length of its rows.
-template <class Row, class Scope> void static_rows(ptrdiff_t height, Row row, Scope scope) {
+// Frame A: every thread takes one contiguous run of rows, `run(first, count)`; the runs differ by at most one row, the longer
+// ones first. The rows' kernels cannot fail. What `scope()` returns lives in each thread for the length of its run.
+template <class Run, class Scope> void static_runs(ptrdiff_t height, Run run, Scope scope) {
 #pragma omp parallel num_threads(threads())
     {
         [[maybe_unused]] const auto held = scope();
-#pragma omp for schedule(static) nowait
-        for (ptrdiff_t y = 0; y < height; ++y) row(y);
+        const ptrdiff_t team = omp_get_num_threads(), thread = omp_get_thread_num(), each = height / team, longer = height % team;
+        const ptrdiff_t count = each + (thread < longer ? 1 : 0);
+        if (count > 0) run(thread * each + (thread < longer ? thread : longer), count);
     }
+}
+
+// The same, row by row.
+template <class Row, class Scope> void static_rows(ptrdiff_t height, Row row, Scope scope) {
+    static_runs(
+        height, [&](ptrdiff_t first, ptrdiff_t count) {
+            for (ptrdiff_t y = first; y < first + count; ++y) row(y);
+        },
+        scope);
 }
 
 // Frame B: one buffer for all threads, allocated before the region; `strip(rows, buffer)` once per thread.

@@ -36,23 +36,58 @@ template <class Op, class T> struct Bound {
     Vec<T> operator()(Vec<T> a, Vec<T> b) const { return extreme<T>(Unscaled<Op, T>()(a, b)); }
 };
 
-template <class Op, class T> struct ScaledDown;
+// s >= 2.
+template <class Op, class T> class ScaledDown;
 
-template <class Op> struct ScaledDown<Op, Zet8u> { // results of scale 2 and more read as positive 16-bit numbers
+template <class T>
+    requires std::is_unsigned_v<T>
+class ScaledDown<Add, T> {
+public:
+    explicit ScaledDown(int s) : round_(s) {}
+    Vec<T> operator()(Vec<T> a, Vec<T> b) const { return round_(average_up(a, b), a ^ b); }
+
+private:
+    RoundAverage<T> round_;
+};
+
+template <class T>
+    requires std::is_unsigned_v<T>
+class ScaledDown<Sub, T> { // a negative difference gives 0 at every scale
+public:
+    explicit ScaledDown(int s) : round_(s) {}
+    Vec<T> operator()(Vec<T> a, Vec<T> b) const { return round_(sub_saturating<T>(b, a)); }
+
+private:
+    RoundUnsigned<T> round_;
+};
+
+// Signed sums and differences, s up to the bits of the sample.
+template <class Op, class T> class ScaledDown {
+public:
+    explicit ScaledDown(int s) : round_(s) {}
+    Vec<T> operator()(Vec<T> a, Vec<T> b) const { return round_(Op::template halved<T>(a, b), Op::template odd<T>(a, b)); }
+
+private:
+    RoundHalved<T> round_;
+};
+
+template <> class ScaledDown<Mul, Zet8u> { // results of scale 2 and more read as positive 16-bit numbers
+public:
     explicit ScaledDown(int s) : round_(s) {}
     Vec<Zet8u> operator()(Vec<Zet8u> a, Vec<Zet8u> b) const {
-        const auto v = Op::wide(a, b);
+        const auto v = Mul::wide(a, b);
         return narrow_to_8u(round_(v.low), round_(v.high));
     }
 
 private:
-    Round16u round_;
+    RoundUnsigned<Zet16u> round_;
 };
 
-template <class Op> struct ScaledDown<Op, Zet16s> { // |v| <= 2^30
+template <> class ScaledDown<Mul, Zet16s> { // |v| <= 2^30
+public:
     explicit ScaledDown(int s) : round_(s) {}
     Vec<Zet16s> operator()(Vec<Zet16s> a, Vec<Zet16s> b) const {
-        const auto v = Op::wide(a, b);
+        const auto v = Mul::wide(a, b);
         return narrow_to_16s(round_(v.low), round_(v.high));
     }
 
@@ -60,10 +95,11 @@ private:
     Round32<Zet32s> round_;
 };
 
-template <class Op> struct ScaledDown<Op, Zet16u> { // v <= 65535^2, and s <= 17 keeps the sum in 32 bits
+template <> class ScaledDown<Mul, Zet16u> { // s <= 16: 65535^2 + 2^15 fits 32 bits
+public:
     explicit ScaledDown(int s) : round_(s) {}
     Vec<Zet16u> operator()(Vec<Zet16u> a, Vec<Zet16u> b) const {
-        const auto v = Op::wide(a, b);
+        const auto v = Mul::wide(a, b);
         return narrow_to_16u(as_lanes<Zet32s>(round_(v.low)), as_lanes<Zet32s>(round_(v.high)));
     }
 
@@ -71,31 +107,16 @@ private:
     Round32<Zet32u> round_;
 };
 
-template <> struct ScaledDown<Sub, Zet16u> { // a negative difference gives 0 at every scale
-    explicit ScaledDown(int s) : round_(s) {}
-    Vec<Zet16u> operator()(Vec<Zet16u> a, Vec<Zet16u> b) const { return round_(sub_saturating<Zet16u>(b, a)); }
-
-private:
-    Round16u round_;
-};
-
-template <class Op> struct ScaledDown<Op, Zet32s> { // sums and differences, 1 <= s <= 32
-    explicit ScaledDown(int s) : round_(s) {}
-    Vec<Zet32s> operator()(Vec<Zet32s> a, Vec<Zet32s> b) const { return round_(Op::halved(a, b), Op::lost(a, b)); }
-
-private:
-    Round33 round_;
-};
-
-template <> struct ScaledDown<MulComplex16, Zet16s> { // v fills its 32 bits, 1 <= s <= 31
+template <> class ScaledDown<MulComplex16, Zet16s> { // v fills its 32 bits, s <= 31
+public:
     explicit ScaledDown(int s) : round_(s) {}
     Vec<Zet16s> operator()(Vec<Zet16s> a, Vec<Zet16s> b) const {
         const auto v = MulComplex16::wide(a, b);
-        return narrow_to_16s(round_(v.low >> 1, v.low & 1), round_(v.high >> 1, v.high & 1));
+        return narrow_to_16s(round_(v.low >> 1, v.low), round_(v.high >> 1, v.high));
     }
 
 private:
-    Round33 round_;
+    RoundHalved<Zet32s> round_;
 };
 
 // 16u products at scales 17 to 32: the upper half of the product is rounded at s - 16, the lower half only breaks ties.
@@ -113,15 +134,20 @@ private:
     Vec<Zet16u> bias_;
 };
 
+// s = 1.
 template <class Op, class T> struct Halved {
     explicit Halved(int = 1) {}
     Vec<T> operator()(Vec<T> a, Vec<T> b) const {
-        if constexpr (requires { Op::template half<T>(a, b); }) {
-            return Op::template half<T>(a, b);
-        } else {
-            const auto v = Op::wide(a, b);
-            return narrowed(half(v.low), half(v.high));
-        }
+        if constexpr (std::is_unsigned_v<T>) return Op::template half<T>(a, b);
+        else return round_halved_once<T>(Op::template halved<T>(a, b), Op::template odd<T>(a, b));
+    }
+};
+
+template <class T> struct Halved<Mul, T> {
+    explicit Halved(int = 1) {}
+    Vec<T> operator()(Vec<T> a, Vec<T> b) const {
+        const auto v = Mul::wide(a, b);
+        return narrowed(half(v.low), half(v.high));
     }
 
 private:
@@ -131,11 +157,12 @@ private:
     static Vec<Zet16u> narrowed(Vec<Zet32u> low, Vec<Zet32u> high) { return narrow_to_16u(as_lanes<Zet32s>(low), as_lanes<Zet32s>(high)); }
 };
 
-template <> struct Halved<MulComplex16, Zet16s> : ScaledDown<MulComplex16, Zet16s> {
-    explicit Halved(int = 1) : ScaledDown(1) {}
-};
-template <class Op> struct Halved<Op, Zet32s> : ScaledDown<Op, Zet32s> {
-    explicit Halved(int = 1) : ScaledDown<Op, Zet32s>(1) {}
+template <> struct Halved<MulComplex16, Zet16s> {
+    explicit Halved(int = 1) {}
+    Vec<Zet16s> operator()(Vec<Zet16s> a, Vec<Zet16s> b) const {
+        const auto v = MulComplex16::wide(a, b);
+        return narrow_to_16s(round_halved_once<Zet32s>(v.low >> 1, v.low), round_halved_once<Zet32s>(v.high >> 1, v.high));
+    }
 };
 
 } // namespace zeti

@@ -29,4 +29,19 @@ private:
     static Vec<Zet16u> clamp(Vec<Zet16u> v) { return v - sub_saturating<Zet16u>(v, splat(Zet16u{255})); }
 };
 
+// 8u times one constant c for all samples, s = 0. Samples up to 255 / c have products of one byte, so that one 16-bit product gives
+// two of them; larger samples saturate.
+class MulByConstant8u {
+public:
+    explicit MulByConstant8u(Zet8u c) : limit_(splat(static_cast<Zet8u>(255 / c))), c_(splat(Zet16u{c})) {}
+    template <class A> Vec<Zet8u> operator()(const A&, Vec<Zet8u> b) const {
+        const Vec<Zet8u> low = min<Zet8u>(b, limit_);
+        return as_lanes<Zet8u>(as_lanes<Zet16u>(low) * c_) | ~as_lanes<Zet8u>(low == b);
+    }
+
+private:
+    Vec<Zet8u> limit_;
+    Vec<Zet16u> c_;
+};
+
 } // namespace zeti

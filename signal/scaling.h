@@ -20,26 +20,71 @@ constexpr int64_t round_shift(int64_t v, int s) {
     return quotient + (remainder + (quotient & 1) > half ? 1 : 0);
 }
 
-// --- Registers, s >= 2 unless stated ------------------------------------------------------------------------------
+// --- Registers ----------------------------------------------------------------------------------------------------
 
-// 16u lanes of any value, 2 <= s <= 16. The halving average forms the sum in 17 bits.
-class Round16u {
+// Logical shift of unsigned lanes. Bytes are shifted in pairs: their upper bits hold what crossed over and must be masked.
+template <class T> Vec<T> shifted(Vec<T> v, Count n) { return as_lanes<T>(shift_right<Zet16u>(as_lanes<Zet16u>(v), n)); }
+
+// Unsigned lanes of any value, 2 <= s <= bits of the lane. The average rounded up forms v + 2^(s-1) - 1 + bit s and its first
+// shift without a carry.
+template <class T> class RoundUnsigned {
 public:
-    explicit Round16u(int s) : s_(count_of(s)), less_(count_of(s - 1)), bias_(splat(static_cast<Zet16u>((1 << (s - 1)) - 2))) {}
-    Vec<Zet16u> operator()(Vec<Zet16u> v) const {
-        const Vec<Zet16u> odd = shift_right<Zet16u>(v, s_) & Zet16u{1};
-        return shift_right<Zet16u>(average_up(v, bias_ + odd), less_);
+    explicit RoundUnsigned(int s)
+        : s_(count_of(s)), less_(count_of(s - 1)), bit_(splat(T(s < bits ? 1 : 0))), bias_(splat(T((1u << (s - 1)) - 2))), mask_(splat(T(max_of<T> >> (s - 1)))) {}
+    Vec<T> operator()(Vec<T> v) const {
+        const Vec<T> odd = shifted<T>(v, s_) & bit_;
+        return shifted<T>(average_up(v, bias_ + odd), less_) & mask_;
     }
 
 private:
+    static constexpr int bits = 8 * sizeof(T);
     Count s_, less_;
-    Vec<Zet16u> bias_;
+    Vec<T> bit_, bias_, mask_;
 };
+
+// Sums of two unsigned lanes, from `up`, their average rounded up, and bit 0 of `lost`, set where that rounding went up;
+// 2 <= s <= bits of the lane + 1. With n = s - 1 the result is (up + 2^(n-1) - 1 + y) >> n, where y is bit n of up unless the
+// rounding went up: then the sum is no tie.
+template <class T> class RoundAverage {
+public:
+    explicit RoundAverage(int s)
+        : s_is_2_(s == 2), n_(count_of(s - 1)), less_(count_of(s - 2)), bit_(splat(T(s - 1 < bits ? 1 : 0))), bias_(splat(T((1u << (s - 2)) - 2))),
+          mask_(splat(T(max_of<T> >> (s - 2)))) {}
+    Vec<T> operator()(Vec<T> up, Vec<T> lost) const {
+        const Vec<T> quotient = shifted<T>(up, n_), y = quotient & ~lost & bit_;
+        if (s_is_2_) return (quotient & T(max_of<T> >> 1)) + (up & y); // up + y may leave the lane
+        return shifted<T>(average_up(up, bias_ + y), less_) & mask_;
+    }
+
+private:
+    static constexpr int bits = 8 * sizeof(T);
+    bool s_is_2_;
+    Count n_, less_;
+    Vec<T> bit_, bias_, mask_;
+};
+
+// Signed lanes f, v = 2 * f + bit 0 of `odd`, 2 <= s <= bits of the lane. With n = s - 1 the remainder f mod 2^n is compared with
+// its half; what the halving lost breaks ties upward, as an odd quotient does.
+template <class T> class RoundHalved {
+public:
+    explicit RoundHalved(int s) : n_(count_of(s - 1)), mask_(splat(T((1u << (s - 1)) - 1))), half_(splat(T(1u << (s - 2)))) {}
+    Vec<T> operator()(Vec<T> f, Vec<T> odd) const {
+        const Vec<T> quotient = shift_right<T>(f, n_);
+        return quotient - as_lanes<T>((f & mask_) > half_ - ((quotient | odd) & T{1}));
+    }
+
+private:
+    Count n_;
+    Vec<T> mask_, half_;
+};
+
+// The same for s = 1: what was lost goes up from odd f. The largest f stays: one more would leave the type.
+template <class T> Vec<T> round_halved_once(Vec<T> f, Vec<T> odd) { return add_saturating<T>(f, f & odd & T{1}); }
 
 // 32-bit lanes, 1 <= s <= 31, where v plus 2^(s-1) fits the lane.
 template <class W> class Round32 {
 public:
-    explicit Round32(int s) : s_(count_of(s)), bias_(splat(static_cast<W>((1u << (s - 1)) - 1))) {}
+    explicit Round32(int s) : s_(count_of(s)), bias_(splat(W((1u << (s - 1)) - 1))) {}
     Vec<W> operator()(Vec<W> v) const {
         const Vec<W> odd = shift_right<W>(v, s_) & W{1};
         return shift_right<W>(v + bias_ + odd, s_);
@@ -48,25 +93,6 @@ public:
 private:
     Count s_;
     Vec<W> bias_;
-};
-
-// 2 * f + lost as signed 32-bit lanes of any f, lost 0 or 1, 1 <= s <= 32. With s = 1 the low bit alone decides.
-class Round33 {
-public:
-    explicit Round33(int s)
-        : less_(count_of(s - 1)), mask_(splat(static_cast<Zet32s>((1u << (s - 1)) - 1))), half_(splat(static_cast<Zet32s>(s > 1 ? 1u << (s - 2) : 0))),
-          direct_(splat(s > 1 ? 0 : -1)) {}
-    Vec<Zet32s> operator()(Vec<Zet32s> f, Vec<Zet32s> lost) const {
-        const Vec<Zet32s> quotient = shift_right<Zet32s>(f, less_);
-        const Vec<Zet32s> sticky = select<Zet32s>(direct_, quotient & lost, (quotient & 1) | lost); // ties go up only from odd quotients
-        const Vec<Zet32s> remainder = f & mask_;
-        // The largest quotient stays: one more would leave the type, where the rule saturates.
-        return quotient - (((remainder - half_ + sticky) > 0) & (quotient != max_of<Zet32s>));
-    }
-
-private:
-    Count less_;
-    Vec<Zet32s> mask_, half_, direct_;
 };
 
 // --- Scaling up ---------------------------------------------------------------------------------------------------
