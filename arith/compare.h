@@ -27,7 +27,7 @@ private:
 template <class L, class T, class Cmp, class A, class B> void compare_rows(const Cmp& cmp, const A& a, const B& b, Dst<Zet8u> dst, ZetiSize roi) {
     const RowScope<T> held(false);
     TakeFirst take;
-    run_rows<WriteAll<Zet8u>>(ComparedOperand<Cmp, L, T, A, B>{cmp, a, b}, Src<Zet8u>(dst), dst, samples(roi, 1), false, take);
+    run_rows<WriteAll<Zet8u>>(ComparedOperand<Cmp, L, T, A, B>{cmp, a, b}, Src<Zet8u>(dst), dst, samples(roi, 1), serial, take);
 }
 
 // An unknown operator leaves the destination as it was, and nobody is told.

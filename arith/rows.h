@@ -102,9 +102,12 @@ private:
     bool streams_;
 };
 
+// What a family that never forks gives for `fork`: it is known when the code is made, which is then half as long.
+inline constexpr std::false_type serial;
+
 // Rows without gaps between them in any image are one long row: their kernel starts once per run of rows.
-template <class Writes, class R, class Operand, class Kernel>
-void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, bool fork, Kernel& kernel) {
+template <class Writes, class R, class Operand, class Fork, class Kernel>
+void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, Kernel& kernel) {
     constexpr bool writes_all = std::is_same_v<Writes, WriteAll<R>>;
     constexpr bool reads_b = !leaves_row_unread<Kernel, std::remove_cvref_t<decltype(a.row(0))>>;
     const bool inPlace = (reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
@@ -121,12 +124,10 @@ void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, bool fork, Kerne
         for (ptrdiff_t y = first; y < first + count; ++y) one_row(y, e.width);
     };
     const auto scope = [=] { return RowScope<R>(streams); };
-    if (fork) {
-        static_runs(e.height, run, scope);
-    } else {
-        [[maybe_unused]] const auto held = scope();
-        run(0, e.height);
-    }
+    if constexpr (!std::is_same_v<Fork, std::false_type>)
+        if (fork) return static_runs(e.height, run, scope);
+    [[maybe_unused]] const auto held = scope();
+    run(0, e.height);
 }
 
 } // namespace zeti

@@ -32,14 +32,14 @@ template <class Direction, class T, class L> void shift_by_one_count(Zet32u n, S
     }
     if (n >= bits_of<T> && !Direction::template fills_with_sign<T>) return clear<T, L>(dst, roi);
     typename Direction::template Kernel<T> kernel(static_cast<int>(std::min<Zet32u>(n, bits_of<T> - 1)));
-    run_rows<Writes<U, L>>(NoImage<U>(), as<U>(src), as<U>(dst), e, false, kernel);
+    run_rows<Writes<U, L>>(NoImage<U>(), as<U>(src), as<U>(dst), e, serial, kernel);
 }
 
 // Lanes of one register have different counts.
 template <class Direction, class T, class L> void shift_by_channel(const Zet32u* counts, Src<T> src, Dst<T> dst, ZetiSize roi) {
     using U = Unsigned<T>;
     typename Direction::template KernelV<T> kernel;
-    const auto run = [&](const auto& operand) { run_rows<Writes<U, L>>(operand, as<U>(src), as<U>(dst), real_samples<T, L>(roi), false, kernel); };
+    const auto run = [&](const auto& operand) { run_rows<Writes<U, L>>(operand, as<U>(src), as<U>(dst), real_samples<T, L>(roi), serial, kernel); };
     U factors[4], unshifted[4], excess[4];
     for (int c = 0; c < L::colours; ++c) {
         const Zet32u n = Direction::template fills_with_sign<T> ? std::min<Zet32u>(counts[c], bits_of<T> - 1) : counts[c];

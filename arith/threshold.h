@@ -20,7 +20,7 @@ ZetStatus check_threshold(const T* pSrc, int srcStep, const T* pDst, int dstStep
 template <class T, class L, class Kernel, class... V>
 void run_threshold(Kernel kernel, const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roi, const V&... parameters) {
     const auto run = [&](const auto& operand) {
-        run_rows<Writes<T, L>>(operand, Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roi), false, kernel);
+        run_rows<Writes<T, L>>(operand, Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roi), serial, kernel);
     };
     if constexpr (sizeof...(V) == 1) run(ConstantOperand<T, L>(constants(parameters)...));
     else run(ConstantOperands<T, L, sizeof...(V)>(constants(parameters)...));

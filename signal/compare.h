@@ -9,22 +9,37 @@
 
 namespace zeti {
 
+// What the lanes of a mask say: all ones where the comparison holds, else zero; or as little as that a lane is not zero where it
+// holds, or where it fails. The processor has no unsigned comparison, only a difference that is zero or not.
+enum class Says { exactly, holds, fails };
+
 // ownpi_CmpLT, ownpi_CmpLE, ownpi_CmpEQ: a against b. The other two operators are the first two with a and b swapped.
 struct CmpLT {
-    template <class V> auto operator()(V a, V b) const { return a < b; }
+    template <class T> static constexpr Says says = std::is_unsigned_v<T> ? Says::holds : Says::exactly;
+    template <class T> auto mask(Vec<T> a, Vec<T> b) const {
+        if constexpr (std::is_unsigned_v<T>) return sub_saturating<T>(b, a);
+        else return a < b;
+    }
 };
 struct CmpLE {
-    template <class V> auto operator()(V a, V b) const { return a <= b; }
+    template <class T> static constexpr Says says = std::is_integral_v<T> ? Says::fails : Says::exactly;
+    template <class T> auto mask(Vec<T> a, Vec<T> b) const {
+        if constexpr (std::is_unsigned_v<T>) return sub_saturating<T>(a, b);
+        else if constexpr (std::is_integral_v<T>) return a > b;
+        else return a <= b;
+    }
 };
 struct CmpEQ {
-    template <class V> auto operator()(V a, V b) const { return a == b; }
+    template <class T> static constexpr Says says = Says::exactly;
+    template <class T> auto mask(Vec<T> a, Vec<T> b) const { return a == b; }
 };
 
 // |a - b| <= eps; the absolute value is the difference without its sign bit.
 class CmpEqualEps {
 public:
     explicit CmpEqualEps(Zet32f eps) : eps_(splat(eps)) {}
-    auto operator()(Vec<Zet32f> a, Vec<Zet32f> b) const { return as_lanes<Zet32f>(as_lanes<Zet32s>(a - b) & max_of<Zet32s>) <= eps_; }
+    template <class T> static constexpr Says says = Says::exactly;
+    template <class T> auto mask(Vec<T> a, Vec<T> b) const { return as_lanes<T>(as_lanes<Zet32s>(a - b) & max_of<Zet32s>) <= eps_; }
 
 private:
     Vec<Zet32f> eps_;
@@ -32,27 +47,29 @@ private:
 
 namespace detail {
 
-// Lanes of all ones or zeros: two registers' worth in lanes half as wide.
+// Two registers' worth in lanes half as wide. Saturation keeps zero, all ones and anything else apart.
 template <class M> __m128i narrowed16(M low, M high) { return _mm_packs_epi16(raw(low), raw(high)); }
 template <class M> __m128i narrowed32(M low, M high) { return _mm_packs_epi32(raw(low), raw(high)); }
 
-// Sample masks of 16 pixels of three channels. Their sign bits make a number in which pixel p has bits 3p to 3p + 2.
-inline __m128i join3(const __m128i* m) {
+// Pixels of three channels, from exact masks of what holds or what fails: the signs of 48 sample masks make a number in which pixel p has bits 3p to 3p + 2.
+template <bool Fails> __m128i join3(const __m128i* m) {
     const auto signs = [&](int k) { return uint64_t{static_cast<unsigned>(_mm_movemask_epi8(m[k]))} << 16 * k; };
-    const uint64_t samples = signs(0) | signs(1) | signs(2), pixels = samples & samples >> 1 & samples >> 2;
-    const __m128i halves = from_words((pixels & 0xFFFFFF) | pixels >> 24 << 32, 0); // 8 pixels in every 32 bits: words a b c d
-    const __m128i words = _mm_unpacklo_epi16(halves, halves);                      // a a b b c c d d
+    const uint64_t samples = signs(0) | signs(1) | signs(2);
+    const uint64_t pixels = Fails ? samples | samples >> 1 | samples >> 2 : samples & samples >> 1 & samples >> 2;
+    const __m128i low = from_words(pixels, 0), halves = _mm_unpacklo_epi32(low, _mm_srli_epi64(low, 24)); // 8 pixels in 24 bits each
+    const __m128i words = _mm_unpacklo_epi16(halves, halves);
     // The first word of a half holds 6 pixels, the second one 2.
     const __m128i bit = _mm_setr_epi16(1, 1 << 3, 1 << 6, 1 << 9, 1 << 12, static_cast<short>(1 << 15), 1 << 2, 1 << 5);
-    const auto spread = [&](__m128i eight) { return _mm_cmpeq_epi16(_mm_and_si128(eight, bit), bit); };
+    const auto spread = [&](__m128i eight) { return _mm_cmpeq_epi16(_mm_and_si128(eight, bit), Fails ? __m128i{} : bit); };
     return narrowed16(spread(_mm_shuffle_epi32(words, 0x40)), spread(_mm_shuffle_epi32(words, 0xEA)));
 }
 
-// Of four channels: all four bytes of a pixel are ones, or its three colours.
-template <class L> __m128i join4(const __m128i* m) {
-    const __m128i ones = _mm_set1_epi32(-1), alpha = _mm_set1_epi32(L::keeps_alpha ? static_cast<int>(0xFF000000) : 0);
-    const auto pixels = [&](int k) { return _mm_cmpeq_epi32(_mm_or_si128(m[k], alpha), ones); };
-    return narrowed16(narrowed32(pixels(0), pixels(1)), narrowed32(pixels(2), pixels(3)));
+// Of four, or of three beside an alpha: a pixel is a lane of all ones, or of zeros where the masks say what fails.
+template <bool Fails, bool Alpha> __m128i join4(const __m128i* m) {
+    const __m128i alpha = _mm_set1_epi32(Alpha ? static_cast<int>(0xFF000000) : 0);
+    const auto pixels = [&](int k) { return Fails ? _mm_andnot_si128(alpha, m[k]) : _mm_or_si128(alpha, m[k]); };
+    const __m128i narrow = narrowed16(narrowed32(pixels(0), pixels(1)), narrowed32(pixels(2), pixels(3)));
+    return _mm_cmpeq_epi8(narrow, Fails ? __m128i{} : _mm_set1_epi8(-1));
 }
 
 } // namespace detail
@@ -60,16 +77,18 @@ template <class L> __m128i join4(const __m128i* m) {
 template <class Cmp, class L, class T, class A, class B> class Comparison {
     static constexpr int channels = L::channels;
     static constexpr int registers = int{sizeof(T)}; // that narrow to one of bytes
+    static constexpr Says says = Cmp::template says<T>;
 
 public:
     static constexpr int period = 1;
+    static constexpr bool large = channels * registers > 2;
     Comparison(const Cmp& cmp, const A& a, const B& b) : cmp_(cmp), a_(a), b_(b) {}
 
     Vec<Zet8u> whole(ptrdiff_t i, int) const {
-        return joined([&](int k) __attribute__((always_inline)) { return cmp_(whole(a_, i, k), whole(b_, i, k)); });
+        return joined([&](int k) __attribute__((always_inline)) { return cmp_.template mask<T>(whole(a_, i, k), whole(b_, i, k)); });
     }
-    Vec<Zet8u> part(ptrdiff_t i, int, int n) const {
-        return joined([&](int k) { return cmp_(part(a_, i, k, n), part(b_, i, k, n)); });
+    [[gnu::noinline]] Vec<Zet8u> part(ptrdiff_t i, int, int n) const {
+        return joined([&](int k) { return cmp_.template mask<T>(part(a_, i, k, n), part(b_, i, k, n)); });
     }
     Vec<Zet8u> sample(ptrdiff_t i) const { return part(i, 0, 1); }
     Comparison from(ptrdiff_t i) const { return {cmp_, a_.from(i * channels), b_.from(i * channels)}; }
@@ -78,7 +97,7 @@ public:
 private:
     // Register k of the 16 pixels from pixel i on, of which n < 16 exist.
     template <class O> static Vec<T> whole(const O& operand, ptrdiff_t i, int k) { return operand.whole(i * channels + k * lanes<T>, k % O::period); }
-    template <class O> static Vec<T> part(const O& operand, ptrdiff_t i, int k, int n) {
+    template <class O> [[gnu::noinline]] static Vec<T> part(const O& operand, ptrdiff_t i, int k, int n) {
         const int left = n * channels - k * lanes<T>;
         if (left >= lanes<T>) return whole(operand, i, k);
         return left > 0 ? operand.part(i * channels + k * lanes<T>, k % O::period, left) : Vec<T>{};
@@ -93,9 +112,13 @@ private:
             else if constexpr (registers == 2) bytes[c] = narrowed16(mask(k), mask(k + 1));
             else bytes[c] = narrowed16(narrowed32(mask(k), mask(k + 1)), narrowed32(mask(k + 2), mask(k + 3)));
         }
-        if constexpr (channels == 1) return as_lanes<Zet8u>(bytes[0]);
-        else if constexpr (channels == 3) return as_lanes<Zet8u>(join3(bytes));
-        else return as_lanes<Zet8u>(join4<L>(bytes));
+        // A comparison with zero makes what a mask says exact, and says the opposite.
+        if constexpr (says == Says::holds || (says == Says::fails && channels != 4))
+            for (__m128i& b : bytes) b = _mm_cmpeq_epi8(b, __m128i{});
+        constexpr bool fails = says == Says::holds || (says == Says::fails && channels == 4);
+        if constexpr (channels == 1) return as_lanes<Zet8u>(fails ? ~bytes[0] : bytes[0]);
+        else if constexpr (channels == 3) return as_lanes<Zet8u>(join3<fails>(bytes));
+        else return as_lanes<Zet8u>(join4<fails, L::keeps_alpha>(bytes));
     }
 
     Cmp cmp_;

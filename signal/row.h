@@ -155,10 +155,16 @@ template <class Writes, class T, class A, class Op>
         const Vec<T> result = detail::applied<T>(op, Writes::guarded(op, a.whole(i, phase), phase), [&] { return load(b + i); });
         store(dst + i, Writes::merge(result, load(dst + i), phase));
     };
+    const auto round = [&](ptrdiff_t at) __attribute__((always_inline)) {
+        for (int phase = 0; phase < period; ++phase) whole(at + phase * lanes<T>, phase);
+    };
     ptrdiff_t i = 0;
+    if constexpr (requires { requires A::large; }) { // repeated, it would only fill the code cache
+        for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+    } else {
 #pragma GCC unroll 4
-    for (; i <= n - period * lanes<T>; i += period * lanes<T>)
-        for (int phase = 0; phase < period; ++phase) whole(i + phase * lanes<T>, phase);
+        for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+    }
     int phase = 0;
     for (; i <= n - lanes<T>; i += lanes<T>) whole(i, phase++);
     if (const int rest = static_cast<int>(n - i); rest > 0) {
