@@ -9,13 +9,14 @@ Vocabulary of the TOML files
 
 Argument kinds
   source, destination, both   an image (pointer and step); planar layouts take an array of plane pointers
-  mask                        an image of Zet8u
+  mask, mask_out              an image of Zet8u that is read; one that is written, one byte per pixel
   value                       one constant by value on C1, C3C and C4C, else a pointer to one per colour channel
+  count                       likewise, of Zet32u whatever the sample type
   sample                      one constant of the sample type by value, whatever the layout
+  value_out                   a pointer to a sample that the function writes
   size, scale                 ZetiSize; the scale factor
-  round_mode                  ZetRoundMode
-  alpha_type                  ZetAlphaType
-  int                         a plain integer (flags, extents)
+  round_mode, cmp_op, alpha_type   ZetRoundMode, ZetCmpOp, ZetAlphaType
+  int, float                  a plain number (flags, extents, tolerances)
   int_out                     a pointer to an integer that the function writes
   memory                      a plain pointer
 """
@@ -31,8 +32,8 @@ TYPES = ["16sc", "32sc", "32fc", "24u", "16u", "16s", "32u", "32s", "32f", "64s"
 CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P2": 2, "P3": 3, "P4": 4, "AP4": 4, "AC1": 2}
 COLOURS = {**CHANNELS, "AC4": 3, "C3C": 1, "C4C": 1}
 # C types of the arguments that do not depend on the sample type.
-PLAIN = {"size": "ZetiSize ", "scale": "int ", "round_mode": "ZetRoundMode ", "alpha_type": "ZetAlphaType ", "int": "int ",
-         "int_out": "int *", "memory": "void *"}
+PLAIN = {"size": "ZetiSize ", "scale": "int ", "int": "int ", "float": "Zet32f ", "int_out": "int *", "memory": "void *",
+         "round_mode": "ZetRoundMode ", "cmp_op": "ZetCmpOp ", "alpha_type": "ZetAlphaType "}
 BY_VALUE = {"C1", "C3C", "C4C"}
 
 
@@ -105,12 +106,15 @@ def _declare(text, types, layout):
         declaration = image(destination_type, destination, "")
     elif kind == "mask":
         declaration = f"const Zet8u *{name}"
-    elif kind == "value":
+    elif kind == "mask_out":
+        declaration = f"Zet8u *{name}"
+    elif kind in ("value", "count"):
         by_value = destination in BY_VALUE
-        declaration = f"{destination_type} {name}" if by_value else f"const {destination_type} {name}[{COLOURS[destination]}]"
-        kind = "value" if by_value else "values"
+        value_type = "Zet32u" if kind == "count" else destination_type
+        declaration = f"{value_type} {name}" if by_value else f"const {value_type} {name}[{COLOURS[destination]}]"
+        kind += "" if by_value else "s"
     else:
-        plain = {"sample": f"{destination_type} ", **PLAIN}
+        plain = {"sample": f"{destination_type} ", "value_out": f"{destination_type} *", **PLAIN}
         declaration = plain[kind] + name
     arguments = [Argument(kind, name, declaration)]
     if step:

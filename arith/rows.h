@@ -34,23 +34,45 @@ template <class R> struct NoImage {
     static bool contiguous(ptrdiff_t) { return true; }
 };
 
+// The constants of a call: one by value on C1, else a pointer to one per colour channel.
+template <class T> const T* constants(const T& value) { return &value; }
+template <class T> const T* constants(const T* const& values) { return values; }
+
 template <class T, class L> class ConstantOperand {
     using R = Real<T>;
     static constexpr int pixel = pixel_samples<T, L>;
     static constexpr int period = 16 % (pixel * sizeof(R)) == 0 ? 1 : pixel * sizeof(R) % 32 == 0 ? 2 : 3;
-
-public:
-    explicit ConstantOperand(const T* values) : pattern_(Pixel(values).samples, pixel) {}
-    const Pattern<R, period>& row(ptrdiff_t) const { return pattern_; }
-    static bool is(const R*) { return false; }
-    static bool contiguous(ptrdiff_t) { return true; } // a row is whole pixels: the pattern goes on where the next row begins
-
-private:
     struct Pixel { // alpha has no constant
         R samples[pixel] = {};
         explicit Pixel(const T* values) { std::memcpy(samples, values, sizeof(T) * L::colours); }
     };
-    Pattern<R, period> pattern_;
+
+public:
+    using Pattern = zeti::Pattern<R, period>;
+    static Pattern pattern(const T* values) { return Pattern(Pixel(values).samples, pixel); }
+
+    explicit ConstantOperand(const T* values) : pattern_(pattern(values)) {}
+    const Pattern& row(ptrdiff_t) const { return pattern_; }
+    static bool is(const R*) { return false; }
+    static bool contiguous(ptrdiff_t) { return true; } // a row is whole pixels: the pattern goes on where the next row begins
+
+private:
+    Pattern pattern_;
+};
+
+// Several constants per channel, for kernels that are given an array of them.
+template <class T, class L, int N> class ConstantOperands {
+    using One = ConstantOperand<T, L>;
+    using Patterns = zeti::Patterns<T, One::Pattern::period, N>;
+
+public:
+    template <class... Values> explicit ConstantOperands(Values... values) : patterns_{{One::pattern(values)...}} {}
+    const Patterns& row(ptrdiff_t) const { return patterns_; }
+    static bool is(const T*) { return false; }
+    static bool contiguous(ptrdiff_t) { return true; }
+
+private:
+    Patterns patterns_;
 };
 
 // Fills what the layout writes with zeros.
@@ -83,14 +105,19 @@ private:
     bool streams_;
 };
 
+// What a family that never forks gives for `fork`: it is known when the code is made, which is then half as long.
+inline constexpr std::false_type serial;
+
 // Rows without gaps between them in any image are one long row: their kernel starts once per run of rows.
 // A kernel that has something to settle at the end of each row has an end_row().
-template <class Writes, class R, class Operand, class Kernel>
-void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, bool fork, Kernel& kernel) {
+template <class Writes, class R, class Operand, class Fork, class Kernel>
+void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, Kernel& kernel) {
     constexpr bool writes_all = std::is_same_v<Writes, WriteAll<R>>;
     constexpr bool row_by_row = requires { kernel.end_row(); };
+    constexpr bool reads_b = !leaves_row_unread<Kernel, std::remove_cvref_t<decltype(a.row(0))>>;
+    const bool inPlace = (reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
     const ptrdiff_t rowBytes = e.width * ptrdiff_t{sizeof(R)};
-    const bool streams = writes_all && int64_t{rowBytes} * e.height >= arithmetic_streams_from && b.pointer != dst.pointer && !a.is(dst.pointer);
+    const bool streams = writes_all && int64_t{rowBytes} * e.height >= arithmetic_streams_from && !inPlace;
     const bool contiguous = !row_by_row && b.step == rowBytes && dst.step == rowBytes && a.contiguous(rowBytes);
     const auto one_row = [&](ptrdiff_t y, ptrdiff_t width) {
         if constexpr (writes_all)
@@ -105,12 +132,10 @@ void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, bool fork, Kerne
         }
     };
     const auto scope = [=] { return RowScope<in_floats<R, Kernel>>(streams); };
-    if (fork) {
-        static_runs(e.height, run, scope);
-    } else {
-        [[maybe_unused]] const auto held = scope();
-        run(0, e.height);
-    }
+    if constexpr (!std::is_same_v<Fork, std::false_type>)
+        if (fork) return static_runs(e.height, run, scope);
+    [[maybe_unused]] const auto held = scope();
+    run(0, e.height);
 }
 
 } // namespace zeti

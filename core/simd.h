@@ -125,6 +125,7 @@ template <class T> Vec<T> min(Vec<T> a, Vec<T> b) {
     else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_min_epi16(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<T>>(_mm_min_ps(raw_float(a), raw_float(b)));
     else if constexpr (std::is_same_v<T, Zet64f>) return reinterpret_cast<Vec<T>>(_mm_min_pd(reinterpret_cast<__m128d>(a), reinterpret_cast<__m128d>(b)));
+    else if constexpr (std::is_same_v<T, Zet16u>) return a - as_lanes<T>(_mm_subs_epu16(raw(a), raw(b)));
     else return select<T>(a < b, a, b);
 }
 
@@ -132,6 +133,7 @@ template <class T> Vec<T> max(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_max_epu8(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_max_epi16(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<T>>(_mm_max_ps(raw_float(a), raw_float(b)));
+    else if constexpr (std::is_same_v<T, Zet16u>) return b + as_lanes<T>(_mm_subs_epu16(raw(a), raw(b)));
     else return select<T>(a > b, a, b);
 }
 
@@ -200,6 +202,28 @@ inline Vec<Zet16u> narrow_to_16u(Vec<Zet32s> low, Vec<Zet32s> high) {
 
 inline Vec<Zet16u> multiply_high(Vec<Zet16u> a, Vec<Zet16u> b) { return as_lanes<Zet16u>(_mm_mulhi_epu16(raw(a), raw(b))); }
 inline Vec<Zet16s> multiply_high(Vec<Zet16s> a, Vec<Zet16s> b) { return as_lanes<Zet16s>(_mm_mulhi_epi16(raw(a), raw(b))); }
+
+// The other widths in twos: every second lane where it stands, its neighbours shifted into its place.
+inline Vec<Zet8u> multiply_high(Vec<Zet8u> a, Vec<Zet8u> b) {
+    const auto x = as_lanes<Zet16u>(a), y = as_lanes<Zet16u>(b);
+    const Vec<Zet16u> even = ((x & 0xFF) * (y & 0xFF)) >> 8, odd = (x >> 8) * (y >> 8);
+    return as_lanes<Zet8u>(even | (odd & 0xFF00));
+}
+inline Vec<Zet32u> multiply_high(Vec<Zet32u> a, Vec<Zet32u> b) {
+    const __m128i even = _mm_srli_epi64(_mm_mul_epu32(raw(a), raw(b)), 32);
+    const __m128i odd = _mm_mul_epu32(_mm_srli_epi64(raw(a), 32), _mm_srli_epi64(raw(b), 32));
+    return as_lanes<Zet32u>(even) | (as_lanes<Zet32u>(odd) & as_lanes<Zet32u>(splat(uint64_t{0xFFFFFFFF00000000})));
+}
+
+// Low halves of the products, unsigned lanes.
+template <class T> Vec<T> multiply_low(Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1) {
+        const auto x = as_lanes<Zet16u>(a), y = as_lanes<Zet16u>(b);
+        return as_lanes<T>(((x * y) & 0xFF) | ((x & 0xFF00) * (y >> 8)));
+    } else {
+        return a * b;
+    }
+}
 
 // a[2i] * b[2i] + a[2i+1] * b[2i+1] in 32 bits, wrapping.
 inline Vec<Zet32s> multiply_add_pairs(Vec<Zet16s> a, Vec<Zet16s> b) { return as_lanes<Zet32s>(_mm_madd_epi16(raw(a), raw(b))); }

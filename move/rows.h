@@ -56,7 +56,7 @@ template <class T> void fill_samples(const T* value, int channels, Dst<T> dst, E
 
 // The kernel of AC4 copies and fills: the first operand as it is.
 struct TakeFirst {
-    template <class V> V operator()(V a, V) const { return a; }
+    template <class V> V operator()(V a) const { return a; }
 };
 
 // Fills the colour samples of AC4 pixels (of `PixelSamples` samples, three quarters of them colour) and keeps the rest.

@@ -3,7 +3,7 @@
 //
 // A kernel `op` takes and gives whole registers and is the only definition of its arithmetic: the tail of a row goes
 // through the same kernel as a partial register. b is a row; a is another row, a pattern of constants that repeats, several
-// such rows or patterns, or nothing (a kernel of one operand ignores what it is given first).
+// such rows or patterns, or nothing (a kernel of one operand ignores what it is given first). A kernel that takes a alone leaves b unread.
 #pragma once
 
 #include <algorithm>
@@ -56,7 +56,7 @@ template <class T, int Period> struct Pattern {
     Vec<T> whole(ptrdiff_t, int phase) const { return load(samples + phase * lanes<T>); }
     Vec<T> part(ptrdiff_t i, int phase, int) const { return whole(i, phase); }
     template <int> Vec<T> unit(ptrdiff_t i) const { return load(samples + i % count); }
-    Pattern from(ptrdiff_t i) const { return Pattern(samples + i % count, count); }
+    Pattern from(ptrdiff_t i) const { return i % count == 0 ? *this : Pattern(samples + i % count, count); }
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
 };
 
@@ -136,7 +136,14 @@ template <class T, int PixelSamples> struct KeepAlpha {
     }
 };
 
+// Whether a kernel takes its first operand alone.
+template <class Op, class A> inline constexpr bool leaves_row_unread = requires(Op& op, const A& a) { op(a.whole(0, 0)); };
+
 namespace detail {
+
+// Kernels and operands of many instructions say so: unrolling would gain nothing and fill the code cache.
+template <class X> inline constexpr bool is_long_code = requires { requires X::is_long; };
+template <class Op, class A> inline constexpr bool unrolls = !is_long_code<Op> && !is_long_code<A>;
 
 // All ones in the first n lanes, zero behind them.
 template <class T> Vec<T> first_lanes(int n) {
@@ -149,11 +156,18 @@ template <class T, class Op, class A> A padded(const Op& op, A a, int n) {
     else return a;
 }
 
+// op(a, b), or op(a) for a kernel that takes a alone.
+template <class T, class Op, class A, class LoadB> [[gnu::always_inline]] inline Vec<T> applied(Op& op, const A& a, LoadB b) {
+    if constexpr (requires { op(a); }) return op(a);
+    else return op(a, b());
+}
+
 // One unit at a time, in order: where the destination runs ahead of a source within the row, results become sources.
 template <class Writes, class T, class A, class Op> void row_by_unit(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op) {
     constexpr int unit = unit_of<Op>();
     for (ptrdiff_t i = 0; i < n; i += unit)
-        if (!Writes::skips(i)) store_unit<unit, T>(dst + i, op(padded<T>(op, a.template unit<unit>(i), unit), load_unit<unit>(b + i)));
+        if (!Writes::skips(i))
+            store_unit<unit, T>(dst + i, applied<T>(op, padded<T>(op, a.template unit<unit>(i), unit), [&] { return load_unit<unit>(b + i); }));
 }
 
 } // namespace detail
@@ -168,24 +182,24 @@ template <class Writes, class T, class A, class Op>
         return;
     }
     const auto whole = [&](ptrdiff_t i, int phase) __attribute__((always_inline)) {
-        const Vec<T> result = op(Writes::guarded(op, a.whole(i, phase), phase), load(b + i));
+        const Vec<T> result = detail::applied<T>(op, Writes::guarded(op, a.whole(i, phase), phase), [&] { return load(b + i); });
         store(dst + i, Writes::merge(result, load(dst + i), phase));
     };
-    const auto round = [&](ptrdiff_t i) __attribute__((always_inline)) {
-        for (int phase = 0; phase < period; ++phase) whole(i + phase * lanes<T>, phase);
+    const auto round = [&](ptrdiff_t at) __attribute__((always_inline)) {
+        for (int phase = 0; phase < period; ++phase) whole(at + phase * lanes<T>, phase);
     };
     ptrdiff_t i = 0;
-    if constexpr (requires { Op::is_long; }) { // nothing to gain from unrolling
+    if constexpr (detail::unrolls<Op, A>) {
+#pragma GCC unroll 4
         for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
     } else {
-#pragma GCC unroll 4
         for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
     }
     int phase = 0;
     for (; i <= n - lanes<T>; i += lanes<T>) whole(i, phase++);
     if (const int rest = static_cast<int>(n - i); rest > 0) {
         const auto first = detail::padded<T>(op, Writes::guarded(op, a.part(i, phase, rest), phase), rest);
-        const Vec<T> result = op(first, load(b + i, rest));
+        const Vec<T> result = detail::applied<T>(op, first, [&] { return load(b + i, rest); });
         store(dst + i, Writes::merge(result, load(dst + i, rest), phase), rest);
     }
     if constexpr (requires { op.saw_zero(); } || requires { op.status(); }) kernel = op; // what it saw; others are shared by threads
@@ -197,7 +211,7 @@ template <class T, class A, class Op> void streaming_row(const A& a, const T* b,
     constexpr ptrdiff_t chunk = 48 * 64 / ptrdiff_t{sizeof(T)}; // whole cache lines and whole patterns
     alignas(64) T buffer[chunk];
     const ptrdiff_t misaligned = static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % 64);
-    const bool overlaps = (b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
+    const bool overlaps = (!leaves_row_unread<Op, A> && b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
     if (overlaps || misaligned % ptrdiff_t{detail::unit_of<Op>() * sizeof(T)} != 0) return row<WriteAll<T>>(a, b, dst, n, op);
     const ptrdiff_t head = std::min(n, (64 - misaligned) % 64 / ptrdiff_t{sizeof(T)});
     if (head > 0) row<WriteAll<T>>(a, b, dst, head, op);

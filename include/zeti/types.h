@@ -100,6 +100,15 @@ typedef enum ZETI_INT_ENUM {
     zetAlphaPlusPremul = 11
 } ZetAlphaType;
 
+/* A comparison of the first operand against the second. */
+typedef enum ZETI_INT_ENUM {
+    zetCmpLess = 0,
+    zetCmpLessEq = 1,
+    zetCmpEq = 2,
+    zetCmpGreaterEq = 3,
+    zetCmpGreater = 4
+} ZetCmpOp;
+
 #ifdef __cplusplus
 }
 #endif
