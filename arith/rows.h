@@ -118,7 +118,8 @@ void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, Kerne
     const bool inPlace = (reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
     const ptrdiff_t rowBytes = e.width * ptrdiff_t{sizeof(R)};
     const bool streams = writes_all && int64_t{rowBytes} * e.height >= arithmetic_streams_from && !inPlace;
-    const bool contiguous = !row_by_row && b.step == rowBytes && dst.step == rowBytes && a.contiguous(rowBytes);
+    const bool joins = !row_by_row && (!detail::in_registers_of_row<Kernel> || e.width % lanes<R> == 0);
+    const bool contiguous = joins && b.step == rowBytes && dst.step == rowBytes && a.contiguous(rowBytes);
     const auto one_row = [&](ptrdiff_t y, ptrdiff_t width) {
         if constexpr (writes_all)
             if (streams) return streaming_row(a.row(y), b.row(y), dst.row(y), width, kernel);

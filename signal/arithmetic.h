@@ -15,7 +15,12 @@
 
 namespace zeti {
 
-template <class Op, class T> struct Unscaled {
+// Kernels of complex operations take whole complex samples, two lanes, at least.
+template <class Op> struct Unit {};
+template <> struct Unit<MulComplex16> { static constexpr int pixel = 2; };
+template <> struct Unit<MulComplex32f> { static constexpr int pixel = 2; };
+
+template <class Op, class T> struct Unscaled : Unit<Op> {
     explicit Unscaled(int = 0) {}
     Vec<T> operator()(Vec<T> a, Vec<T> b) const {
         if constexpr (requires { Op::template saturated<T>(a, b); }) return Op::template saturated<T>(a, b);
@@ -23,7 +28,7 @@ template <class Op, class T> struct Unscaled {
     }
 };
 
-template <class Op, class T> struct ScaledUp {
+template <class Op, class T> struct ScaledUp : Unit<Op> {
     explicit ScaledUp(int s) : shift_(-s) {}
     Vec<T> operator()(Vec<T> a, Vec<T> b) const { return shift_(Unscaled<Op, T>()(a, b)); }
 
@@ -31,7 +36,7 @@ private:
     ShiftLeft<T> shift_;
 };
 
-template <class Op, class T> struct Bound {
+template <class Op, class T> struct Bound : Unit<Op> {
     explicit Bound(int = 0) {}
     Vec<T> operator()(Vec<T> a, Vec<T> b) const { return extreme<T>(Unscaled<Op, T>()(a, b)); }
 };
@@ -107,7 +112,7 @@ private:
     Round32<Zet32u> round_;
 };
 
-template <> class ScaledDown<MulComplex16, Zet16s> { // v fills its 32 bits, s <= 31
+template <> class ScaledDown<MulComplex16, Zet16s> : public Unit<MulComplex16> { // v fills its 32 bits, s <= 31
 public:
     explicit ScaledDown(int s) : round_(s) {}
     Vec<Zet16s> operator()(Vec<Zet16s> a, Vec<Zet16s> b) const {
@@ -157,7 +162,7 @@ private:
     static Vec<Zet16u> narrowed(Vec<Zet32u> low, Vec<Zet32u> high) { return narrow_to_16u(as_lanes<Zet32s>(low), as_lanes<Zet32s>(high)); }
 };
 
-template <> struct Halved<MulComplex16, Zet16s> {
+template <> struct Halved<MulComplex16, Zet16s> : Unit<MulComplex16> {
     explicit Halved(int = 1) {}
     Vec<Zet16s> operator()(Vec<Zet16s> a, Vec<Zet16s> b) const {
         const auto v = MulComplex16::wide(a, b);

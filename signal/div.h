@@ -84,9 +84,10 @@ public:
 };
 
 // 32f between images: three terms of the series of 1 / (1 - e) on the reciprocal estimate r, with e = 1 - a r; no correction step
-// follows. Four lanes with a zero divisor among them are divided one by one.
+// follows. Four lanes with a zero divisor among them are divided one by one: the fours count from the start of the row.
 class Quotient32f : public Divisors<Zet32f> {
 public:
+    static constexpr bool in_fours = true;
     Vec<Zet32f> operator()(Vec<Zet32f> a, Vec<Zet32f> b) {
         if (any(note(a == 0.0f))) [[unlikely]]
             return one_by_one(a, b);

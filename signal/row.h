@@ -145,6 +145,9 @@ namespace detail {
 template <class X> inline constexpr bool is_long_code = requires { requires X::is_long; };
 template <class Op, class A> inline constexpr bool unrolls = !is_long_code<Op> && !is_long_code<A>;
 
+// Kernels whose lanes depend on one another: a row's registers must start where the row does.
+template <class Op> inline constexpr bool in_registers_of_row = requires { Op::in_fours; };
+
 // All ones in the first n lanes, zero behind them.
 template <class T> Vec<T> first_lanes(int n) {
     alignas(16) static constexpr Zet32u ones[8] = {~0u, ~0u, ~0u, ~0u, 0, 0, 0, 0};
@@ -214,6 +217,7 @@ template <class T, class A, class Op> void streaming_row(const A& a, const T* b,
     const bool overlaps = (!leaves_row_unread<Op, A> && b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
     if (overlaps || misaligned % ptrdiff_t{detail::unit_of<Op>() * sizeof(T)} != 0) return row<WriteAll<T>>(a, b, dst, n, op);
     const ptrdiff_t head = std::min(n, (64 - misaligned) % 64 / ptrdiff_t{sizeof(T)});
+    if (detail::in_registers_of_row<Op> && head % lanes<T> != 0) return row<WriteAll<T>>(a, b, dst, n, op);
     if (head > 0) row<WriteAll<T>>(a, b, dst, head, op);
     const A rest = a.from(head);
     const ptrdiff_t last = head + (n - head) / lanes<T> * lanes<T>;
