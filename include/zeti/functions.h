@@ -469,7 +469,7 @@ ZETI_API ZetStatus zetiDivC_32fc_C3IR(const Zet32fc value[3], Zet32fc *pSrcDst, 
 ZETI_API ZetStatus zetiDivC_32fc_AC4R(const Zet32fc *pSrc, int srcStep, const Zet32fc value[3], Zet32fc *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiDivC_32fc_AC4IR(const Zet32fc value[3], Zet32fc *pSrcDst, int srcDstStep, ZetiSize roiSize);
 
-/* AlphaComp. Composition of two images under their alpha (Porter and Duff, 1984): dst = A * fA + B * fB, A and B being premultiplied. */
+/* AlphaComp. Composition of two images under their alpha: dst = A fA + B fB. */
 ZETI_API ZetStatus zetiAlphaComp_8u_AC1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaComp_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaComp_8u_AP4R(const Zet8u *const pSrc1[4], int src1Step, const Zet8u *const pSrc2[4], int src2Step, Zet8u *const pDst[4], int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
@@ -487,7 +487,7 @@ ZETI_API ZetStatus zetiAlphaComp_32s_AC4R(const Zet32s *pSrc1, int src1Step, con
 ZETI_API ZetStatus zetiAlphaComp_32f_AC1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, Zet32f *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaComp_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, Zet32f *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 
-/* AlphaCompC. Composition of two images under constant alpha (Porter and Duff, 1984): dst = A * fA + B * fB, A and B being premultiplied. */
+/* AlphaCompC. Composition of two images under constant alpha: dst = A fA + B fB. */
 ZETI_API ZetStatus zetiAlphaCompC_8u_C1R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaCompC_8u_C3R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaCompC_8u_C4R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
