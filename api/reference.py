@@ -20,11 +20,12 @@ LAYOUTS = {
     "C2": "two interleaved channels",
     "C3": "three interleaved channels",
     "C4": "four interleaved channels, all processed",
-    "AC4": "four interleaved channels, the fourth alpha: neither read into the result nor changed",
+    "AC4": "four interleaved channels, the fourth alpha: neither read into the result nor changed, but by composition under alpha",
     "C3C": "one channel of a three-channel image: the pointer addresses it (written `C3CR`)",
     "C4C": "one channel of a four-channel image: the pointer addresses it (written `C4CR`)",
     "P2": "two separate planes", "P3": "three separate planes", "P4": "four separate planes",
     "AP4": "four separate planes, the fourth alpha",
+    "AC1": "pixels of one colour sample and its alpha, for composition",
 }
 
 SUFFIXES = {
@@ -107,6 +108,8 @@ KINDS = {  # kind -> what it is, unit, range
     "mask": ("mask image, at the first pixel of the region; a byte that is not zero selects its pixel", "bytes", "not null"),
     "value": ("the constant", "sample", "any"),
     "values": ("the constants, one for each colour channel", "samples", "not null"),
+    "sample": ("the constant alpha", "sample", "any"),
+    "alpha_type": ("the operator, one of those below", "", "as checked"),
     "size": ("the region", "pixels", "width and height at least 1"),
     "scale": ("the result is multiplied by 2 to the power of minus this", "", "any"),
 }

@@ -13,7 +13,7 @@ namespace zeti::alpha {
 // --- Alpha of a register of pixels --------------------------------------------------------------------------------
 
 // M - alpha; more than M, for a negative alpha, saturates. Float alpha is taken as it is.
-template <class T> Factor<T> complement(Factor<T> alpha) {
+template <class T> [[gnu::always_inline]] inline Factor<T> complement(Factor<T> alpha) {
     if constexpr (std::is_same_v<T, Zet8u>) return {alpha.even ^ Zet16u{0xFF}, alpha.odd ^ Zet16u{0xFF}};
     else if constexpr (std::is_floating_point_v<T>) return T{1} - alpha;
     else if constexpr (std::is_unsigned_v<T>) return ~alpha;
@@ -21,7 +21,7 @@ template <class T> Factor<T> complement(Factor<T> alpha) {
 }
 
 // The last sample of every pixel of `Pixel` samples, in the place of all of them. In planes every sample is a pixel.
-template <class T, int Pixel> Factor<T> spread(Vec<T> v) {
+template <class T, int Pixel> [[gnu::always_inline]] inline Factor<T> spread(Vec<T> v) {
     if constexpr (Pixel == 1) {
         return factor<T>(v);
     } else if constexpr (sizeof(T) == 4) {
@@ -48,7 +48,7 @@ template <class T, int Pixel> Vec<T> alpha_samples() {
 }
 
 // f on colour samples, M on alpha samples, which it leaves as they are.
-template <class T, int Pixel> Factor<T> on_colours(Factor<T> f) {
+template <class T, int Pixel> [[gnu::always_inline]] inline Factor<T> on_colours(Factor<T> f) {
     if constexpr (std::is_same_v<T, Zet8u>) {
         const Factor<T> full = factor<T>(alpha_samples<T, Pixel>());
         return {f.even | full.even, f.odd | full.odd};
@@ -64,11 +64,11 @@ template <class T> struct Coverage {
 };
 
 // By pixels with their alpha last, and by alphas one for each colour sample.
-template <class T, int Pixel> Coverage<T> coverage_of(Vec<T> pixels) {
+template <class T, int Pixel> [[gnu::always_inline]] inline Coverage<T> coverage_of(Vec<T> pixels) {
     const Factor<T> alpha = spread<T, Pixel>(pixels);
     return {alpha, complement<T>(alpha), on_colours<T, Pixel>(alpha)};
 }
-template <class T> Coverage<T> coverage_by(Vec<T> alphas) {
+template <class T> [[gnu::always_inline]] inline Coverage<T> coverage_by(Vec<T> alphas) {
     const Factor<T> alpha = factor<T>(alphas);
     return {alpha, complement<T>(alpha), alpha};
 }
@@ -88,12 +88,13 @@ using ATop = Operator<Shows::inside, Shows::outside>;
 using Xor = Operator<Shows::outside, Shows::outside>;
 using Plus = Operator<Shows::everywhere, Shows::everywhere>;
 
-template <Shows S, class T> Vec<T> shown(Vec<T> v, const Coverage<T>& other) {
+template <Shows S, class T> [[gnu::always_inline]] inline Vec<T> shown(Vec<T> v, const Coverage<T>& other) {
     if constexpr (S == Shows::everywhere) return v;
     else return scaled_product<T>(v, S == Shows::inside ? other.inside : other.outside);
 }
 
-template <class Op, bool Premultiplied, class T> Vec<T> compose(Vec<T> a, const Coverage<T>& ofA, Vec<T> b, const Coverage<T>& ofB) {
+template <class Op, bool Premultiplied, class T>
+[[gnu::always_inline]] inline Vec<T> compose(Vec<T> a, const Coverage<T>& ofA, Vec<T> b, const Coverage<T>& ofB) {
     if constexpr (!Premultiplied) a = scaled_product<T>(a, ofA.colours), b = scaled_product<T>(b, ofB.colours);
     const Vec<T> result = shown<Op::a, T>(a, ofB);
     if constexpr (Op::b == Shows::nowhere) return result;
@@ -105,11 +106,11 @@ template <class Op, bool Premultiplied, class T> Vec<T> compose(Vec<T> a, const 
 
 // A source as it is, or under a constant opacity.
 template <class T> struct Opaque {
-    Vec<T> operator()(Vec<T> v) const { return v; }
+    [[gnu::always_inline]] Vec<T> operator()(Vec<T> v) const { return v; }
 };
 template <class T> struct Faded {
     Factor<T> opacity;
-    Vec<T> operator()(Vec<T> v) const { return scaled_product<T>(v, opacity); }
+    [[gnu::always_inline]] Vec<T> operator()(Vec<T> v) const { return scaled_product<T>(v, opacity); }
 };
 
 // Pixels of `Pixel` samples, alpha last; with Pixel 1 the alpha of planes.
@@ -118,7 +119,7 @@ template <class Op, bool Premultiplied, class T, int Pixel, class Fade> struct P
     static constexpr bool is_long = true; // no need to unroll
     Fade fadeA, fadeB;
 
-    Vec<T> operator()(Vec<T> a, Vec<T> b) const {
+    [[gnu::always_inline]] Vec<T> operator()(Vec<T> a, Vec<T> b) const {
         a = fadeA(a), b = fadeB(b);
         if constexpr (std::is_same_v<Op, Over> && std::is_unsigned_v<T>) { // what most of a matte is: opaque or empty, with the same result
             if (all((~a & alpha_samples<T, Pixel>()) == 0)) return a;
@@ -133,7 +134,7 @@ template <class Op, bool Premultiplied, class T, class Fade> struct Colours {
     static constexpr bool is_long = true; // no need to unroll
     Fade fadeA, fadeB;
 
-    template <class Registers> Vec<T> operator()(const Registers& r, Vec<T> b) const {
+    template <class Registers> [[gnu::always_inline]] Vec<T> operator()(const Registers& r, Vec<T> b) const {
         const Vec<T> a = Premultiplied ? fadeA(r[0]) : r[0];
         if constexpr (Premultiplied) b = fadeB(b);
         return compose<Op, Premultiplied, T>(a, coverage_by<T>(fadeA(r[1])), b, coverage_by<T>(fadeB(r[2])));
@@ -144,20 +145,22 @@ template <class Op, bool Premultiplied, class T, class Fade> struct Colours {
 template <class Op, bool Premultiplied, class T> struct Constant {
     static constexpr bool is_long = true; // no need to unroll
     Vec<T> alphaA, alphaB;
-    Vec<T> operator()(Vec<T> a, Vec<T> b) const { return compose<Op, Premultiplied, T>(a, coverage_by<T>(alphaA), b, coverage_by<T>(alphaB)); }
+    [[gnu::always_inline]] Vec<T> operator()(Vec<T> a, Vec<T> b) const {
+        return compose<Op, Premultiplied, T>(a, coverage_by<T>(alphaA), b, coverage_by<T>(alphaB));
+    }
 };
 
 // Colours times the alpha of their pixel, times that of their plane's alpha plane, times a constant.
 template <class T, int Pixel> struct PremultiplyPixels {
     static constexpr int pixel = Pixel;
-    Vec<T> operator()(Vec<T>, Vec<T> v) const { return scaled_product<T>(v, coverage_of<T, Pixel>(v).colours); }
+    [[gnu::always_inline]] Vec<T> operator()(Vec<T>, Vec<T> v) const { return scaled_product<T>(v, coverage_of<T, Pixel>(v).colours); }
 };
 template <class T> struct PremultiplyPlane {
-    Vec<T> operator()(Vec<T> alpha, Vec<T> v) const { return scaled_product<T>(v, factor<T>(alpha)); }
+    [[gnu::always_inline]] Vec<T> operator()(Vec<T> alpha, Vec<T> v) const { return scaled_product<T>(v, factor<T>(alpha)); }
 };
 template <class T> struct PremultiplyConstant {
     Factor<T> alpha;
-    Vec<T> operator()(Vec<T>, Vec<T> v) const { return scaled_product<T>(v, alpha); }
+    [[gnu::always_inline]] Vec<T> operator()(Vec<T>, Vec<T> v) const { return scaled_product<T>(v, alpha); }
 };
 
 } // namespace zeti::alpha

@@ -55,7 +55,7 @@ template <class Inner> struct ColorKeyComposition {
     Vec<Zet32u> key; // alpha 0
     Inner inner;
 
-    Vec<Zet8u> operator()(Vec<Zet8u> a, Vec<Zet8u> b) const {
+    [[gnu::always_inline]] Vec<Zet8u> operator()(Vec<Zet8u> a, Vec<Zet8u> b) const {
         const auto colours = as_lanes<Zet32u>(a) & 0x00FFFFFFu;
         return select<Zet8u>(colours == key, b, inner(a, b));
     }

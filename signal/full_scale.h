@@ -4,6 +4,8 @@
 // Of samples of n bits, with t = a b: (t + 1 + (t >> n)) >> n. For every pair of samples that is t / M cut to an integer, so
 // that M times a gives a. Signed samples multiply their magnitudes, with one bit less, and take the sign after that;
 // the two products that leave the type, of its minimum with itself or with -M, saturate. 32f: the plain product.
+//
+// Kernels are inlined into their rows at any price: a call would spill the row's registers.
 #pragma once
 
 #include "core/simd.h"
@@ -31,7 +33,7 @@ template <> inline Factor<Zet8u> factor<Zet8u>(Vec<Zet8u> v) {
 namespace detail {
 
 // Magnitudes of at most 2^n times magnitudes of at most 2^n.
-template <int n> Vec<Zet8u> full_scale_product(Vec<Zet8u> a, Factor<Zet8u> b) {
+template <int n> [[gnu::always_inline]] inline Vec<Zet8u> full_scale_product(Vec<Zet8u> a, Factor<Zet8u> b) {
     // (t + 1)(2^n + 1) >> 2n is the same, but for t = 2^2n - 1, which is no product.
     const auto quotient = [](Vec<Zet16u> t) { return multiply_high(t + Zet16u{1}, splat(Zet16u{((1 << n) + 1) << (16 - 2 * n)})); };
     const Factor<Zet8u> x = factor<Zet8u>(a);
@@ -39,7 +41,7 @@ template <int n> Vec<Zet8u> full_scale_product(Vec<Zet8u> a, Factor<Zet8u> b) {
 }
 
 // In 16 bits: with t = q 2^n + r the result is q, and one more where q + r reaches M.
-template <int n> Vec<Zet16u> full_scale_product(Vec<Zet16u> a, Vec<Zet16u> b) {
+template <int n> [[gnu::always_inline]] inline Vec<Zet16u> full_scale_product(Vec<Zet16u> a, Vec<Zet16u> b) {
     const Vec<Zet16u> low = a * b, high = multiply_high(a, b);
     const Vec<Zet16u> q = n == 16 ? high : high << (16 - n) | low >> (n % 16);
     const Vec<Zet16u> below = ~low & static_cast<Zet16u>((1 << n) - 1); // M - r
@@ -47,7 +49,7 @@ template <int n> Vec<Zet16u> full_scale_product(Vec<Zet16u> a, Vec<Zet16u> b) {
 }
 
 // In 64 bits, even and odd lanes apart.
-template <int n> Vec<Zet32u> full_scale_product(Vec<Zet32u> a, Vec<Zet32u> b) {
+template <int n> [[gnu::always_inline]] inline Vec<Zet32u> full_scale_product(Vec<Zet32u> a, Vec<Zet32u> b) {
     const auto quotient = [](__m128i product) {
         const auto t = as_lanes<uint64_t>(product);
         return (t + 1 + (t >> n)) >> n;
@@ -65,7 +67,7 @@ template <class T> auto magnitude(Vec<T> v) { // that of the minimum in full
 
 } // namespace detail
 
-template <class T> Vec<T> scaled_product(Vec<T> a, Factor<T> b) {
+template <class T> [[gnu::always_inline]] inline Vec<T> scaled_product(Vec<T> a, Factor<T> b) {
     if constexpr (std::is_floating_point_v<T>) {
         return a * b;
     } else if constexpr (std::is_unsigned_v<T>) {

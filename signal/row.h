@@ -166,7 +166,8 @@ template <class T, class Op, class A, class LoadB> [[gnu::always_inline]] inline
 }
 
 // One unit at a time, in order: where the destination runs ahead of a source within the row, results become sources.
-template <class Writes, class T, class A, class Op> void row_by_unit(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op) {
+template <class Writes, class T, class A, class Op>
+[[gnu::noinline]] void row_by_unit(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op) {
     constexpr int unit = unit_of<Op>();
     for (ptrdiff_t i = 0; i < n; i += unit)
         if (!Writes::skips(i))
@@ -175,8 +176,9 @@ template <class Writes, class T, class A, class Op> void row_by_unit(const A& a,
 
 } // namespace detail
 
+// One function per kernel, and everything in it: what a large file leaves the compiler to inline is not to decide about speed.
 template <class Writes, class T, class A, class Op>
-[[gnu::noinline]] void row(const A& operand, const T* b, T* dst, ptrdiff_t n, Op& kernel) {
+[[gnu::noinline, gnu::flatten]] void row(const A& operand, const T* b, T* dst, ptrdiff_t n, Op& kernel) {
     constexpr int period = std::lcm(A::period, Writes::period);
     Op op = kernel; // in registers for the row
     const A a = operand;

@@ -9,8 +9,8 @@ declare -A groups=(
     [build]="cmake ninja-build gcc g++ binutils python3"
     [test]="g++-multilib googletest pkg-config"
     [demo]="libpng-dev libjpeg-dev googletest"
-    [bench]="libbenchmark-dev googletest"
-    [lint]="clang-tidy cppcheck libomp-dev googletest libpng-dev libjpeg-dev libbenchmark-dev"
+    [bench]="libbenchmark-dev libpixman-1-dev pkg-config googletest"
+    [lint]="clang-tidy cppcheck libomp-dev googletest libpng-dev libjpeg-dev libbenchmark-dev libpixman-1-dev pkg-config"
     [format]="clang-format git"
     [docs]="python3 python3-markdown"
 )

@@ -646,7 +646,7 @@ ZETI_API ZetStatus zetiDiv_Round_16s_C4IRSfs(const Zet16s *pSrc, int srcStep, Ze
 ZETI_API ZetStatus zetiDiv_Round_16s_AC4RSfs(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, Zet16s *pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
 ZETI_API ZetStatus zetiDiv_Round_16s_AC4IRSfs(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor);
 
-/* AlphaComp. Composition of two images under their alpha (Porter and Duff, 1984): dst = A * fA + B * fB, A and B being premultiplied. */
+/* AlphaComp. Composition of two images under their alpha: dst = A fA + B fB. */
 ZETI_API ZetStatus zetiAlphaComp_8u_AC1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaComp_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaComp_8u_AP4R(const Zet8u *const pSrc1[4], int src1Step, const Zet8u *const pSrc2[4], int src2Step, Zet8u *const pDst[4], int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
@@ -664,7 +664,7 @@ ZETI_API ZetStatus zetiAlphaComp_32s_AC4R(const Zet32s *pSrc1, int src1Step, con
 ZETI_API ZetStatus zetiAlphaComp_32f_AC1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, Zet32f *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaComp_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, Zet32f *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 
-/* AlphaCompC. Composition of two images under constant alpha (Porter and Duff, 1984): dst = A * fA + B * fB, A and B being premultiplied. */
+/* AlphaCompC. Composition of two images under constant alpha: dst = A fA + B fB. */
 ZETI_API ZetStatus zetiAlphaCompC_8u_C1R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaCompC_8u_C3R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
 ZETI_API ZetStatus zetiAlphaCompC_8u_C4R(const Zet8u *pSrc1, int src1Step, Zet8u alpha1, const Zet8u *pSrc2, int src2Step, Zet8u alpha2, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType);
