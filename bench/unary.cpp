@@ -30,7 +30,8 @@ template <class T> void rounded(const std::string& type) {
 
 const bool listed = [] {
     unary<Zet16s>("Abs_16s_C1", 1), unary<Zet16s>("Abs_16s_AC4", 4), unary<Zet32f>("Abs_32f_C1", 1);
-    unary<Zet8u>("Sqr_8u_C1", 1, {0, 1, 8, -1}), unary<Zet16u>("Sqr_16u_C1", 1, {0, 8, 20, -1}), unary<Zet16s>("Sqr_16s_C1", 1, {0, 8, 20, -1});
+    unary<Zet8u>("Sqr_8u_C1", 1, {0, 1, 8, -1}), unary<Zet16u>("Sqr_16u_C1", 1, {0, 8, 20, -1}),
+        unary<Zet16s>("Sqr_16s_C1", 1, {0, 8, 20, -1});
     unary<Zet32f>("Sqr_32f_C1", 1);
     unary<Zet8u>("Sqrt_8u_C1", 1, {0, 1, 3, -4}), unary<Zet16u>("Sqrt_16u_C1", 1, {0, -8}), unary<Zet16s>("Sqrt_16s_C1", 1, {0, -7});
     unary<Zet32f>("Sqrt_32f_C1", 1), unary<Zet32f>("Sqrt_32f_AC4", 4);
