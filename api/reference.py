@@ -112,6 +112,7 @@ KINDS = {  # kind -> what it is, unit, range
     "alpha_type": ("the operator, one of those below", "", "as checked"),
     "size": ("the region", "pixels", "width and height at least 1"),
     "scale": ("the result is multiplied by 2 to the power of minus this", "", "any"),
+    "round_mode": ("how a quotient becomes an integer", "", "`zetRndZero`, `zetRndNear`, `zetRndFinancial`"),
 }
 
 

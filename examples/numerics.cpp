@@ -67,6 +67,31 @@ void integer_quotients() {
     claim(p.re == 0 && p.im == -32768, "Mul 16sc: the sum 2^31 wraps to -2^31");
 }
 
+template <class T, class Call, class... Scale> T of_one(Call call, T src, Scale... scale) {
+    T dst{};
+    call(&src, int{sizeof(T)}, &dst, int{sizeof(T)}, ZetiSize{1, 1}, scale...);
+    return dst;
+}
+
+void roots_and_products() {
+    const auto divided = [](ZetRoundMode mode, int a, int b, int s) {
+        return two_images<Zet16s>(zetiDiv_Round_16s_C1RSfs, Zet16s(a), Zet16s(b), mode, s);
+    };
+    claim(divided(zetRndZero, 2, -5, 0) == -2 && divided(zetRndNear, 2, -5, 0) == -2 && divided(zetRndFinancial, 2, -5, 0) == -3,
+          "Div_Round 16s, -2.5: -2 towards zero and to even, -3 away from zero");
+    claim(divided(zetRndNear, 0, 7, 15) == 32767 && divided(zetRndNear, 0, 7, 16) == 0, "Div_Round 16s by 0: 32767 at scale 15, 0 at 16");
+    claim(of_one<Zet16u>(zetiSqrt_16u_C1RSfs, 4187, -7) == 8283 && of_one<Zet16u>(zetiSqrt_16u_C1RSfs, 25, 1) == 2,
+          "Sqrt 16u: 8282.5001 -> 8283, 2.5 -> 2");
+    claim(of_one<Zet16s>(zetiSqrt_16s_C1RSfs, -4, 0) == 0 && std::isnan(of_one<Zet32f>(zetiSqrt_32f_C1R, -inf)) &&
+              same(of_one<Zet32f>(zetiSqrt_32f_C1R, -0.0F), -0.0F),
+          "Sqrt: -4 gives 0 on 16s, -inf NaN on 32f; -0 gives -0");
+    bool truncated = true;
+    for (unsigned a = 0; a < 65536; a += 5)
+        for (const unsigned b : {1U, 2U, 257U, 32768U, 65534U, 65535U})
+            truncated &= two_images<Zet16u>(zetiMulScale_16u_C1R, Zet16u(a), Zet16u(b)) == a * b / 65535;
+    claim(truncated, "MulScale 16u: the product by 65535, truncated");
+}
+
 void float_quotients() {
     std::mt19937 random(1);
     const auto any = [&](int exponents) {
@@ -139,6 +164,7 @@ void overlaps() {
 int main() {
     the_rule();
     integer_quotients();
+    roots_and_products();
     float_quotients();
     floats();
     overlaps();

@@ -130,6 +130,7 @@ template <class A, class B> ZetiSize common(const A &a, const B &b) {
 void show_core(Gallery &gallery, const Photos &photos);
 void show_arith(Gallery &gallery, const Photos &photos);
 void show_alpha(Gallery &gallery, const Photos &photos);
+void show_unary(Gallery &gallery, const Photos &photos);
 void show_move(Gallery &gallery, const Photos &photos);
 
 } // namespace demo

@@ -805,16 +805,6 @@ ZETI_API ZetStatus zetiXor_32s_C4IR(const Zet32s *pSrc, int srcStep, Zet32s *pSr
 ZETI_API ZetStatus zetiXor_32s_AC4R(const Zet32s *pSrc1, int src1Step, const Zet32s *pSrc2, int src2Step, Zet32s *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiXor_32s_AC4IR(const Zet32s *pSrc, int srcStep, Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
 
-/* Not. Bitwise complement of an image: dst = ~src. */
-ZETI_API ZetStatus zetiNot_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
-ZETI_API ZetStatus zetiNot_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
-ZETI_API ZetStatus zetiNot_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
-ZETI_API ZetStatus zetiNot_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
-ZETI_API ZetStatus zetiNot_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
-ZETI_API ZetStatus zetiNot_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
-ZETI_API ZetStatus zetiNot_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
-ZETI_API ZetStatus zetiNot_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
-
 /* AndC. Bitwise and of an image and a constant: dst = src & value. */
 ZETI_API ZetStatus zetiAndC_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u value, Zet8u *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiAndC_8u_C1IR(Zet8u value, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
@@ -893,6 +883,19 @@ ZETI_API ZetStatus zetiXorC_32s_C4IR(const Zet32s value[4], Zet32s *pSrcDst, int
 ZETI_API ZetStatus zetiXorC_32s_AC4R(const Zet32s *pSrc, int srcStep, const Zet32s value[3], Zet32s *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiXorC_32s_AC4IR(const Zet32s value[3], Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
 
+/* Not. Bitwise complement of an image: dst = ~src. */
+ZETI_API ZetStatus zetiNot_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiNot_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiNot_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiNot_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiNot_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiNot_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiNot_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiNot_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
+/* Complement. Two's complement to sign and magnitude: srcDst = srcDst < 0 ? -srcDst | 0x80000000 : srcDst. */
+ZETI_API ZetStatus zetiComplement_32s_C1IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
 /* LShiftC. Left shift by a constant: dst = src << value. */
 ZETI_API ZetStatus zetiLShiftC_8u_C1R(const Zet8u *pSrc, int srcStep, Zet32u value, Zet8u *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiLShiftC_8u_C1IR(Zet32u value, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
@@ -960,9 +963,6 @@ ZETI_API ZetStatus zetiRShiftC_32s_C4R(const Zet32s *pSrc, int srcStep, const Ze
 ZETI_API ZetStatus zetiRShiftC_32s_C4IR(const Zet32u value[4], Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiRShiftC_32s_AC4R(const Zet32s *pSrc, int srcStep, const Zet32u value[3], Zet32s *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiRShiftC_32s_AC4IR(const Zet32u value[3], Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
-
-/* Complement. Two's complement to sign and magnitude: srcDst = srcDst < 0 ? -srcDst | 0x80000000 : srcDst. */
-ZETI_API ZetStatus zetiComplement_32s_C1IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
 
 /* Threshold. Clamps samples at a bound on one side: dst = src < threshold ? threshold : src (zetCmpLess); dst = src > threshold ? threshold : src (zetCmpGreater). */
 ZETI_API ZetStatus zetiThreshold_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet8u threshold, ZetCmpOp cmpOp);
@@ -1162,6 +1162,9 @@ ZETI_API ZetStatus zetiThreshold_LTValGTVal_32f_C3IR(Zet32f *pSrcDst, int srcDst
 ZETI_API ZetStatus zetiThreshold_LTValGTVal_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f thresholdLT[3], const Zet32f valueLT[3], const Zet32f thresholdGT[3], const Zet32f valueGT[3]);
 ZETI_API ZetStatus zetiThreshold_LTValGTVal_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f thresholdLT[3], const Zet32f valueLT[3], const Zet32f thresholdGT[3], const Zet32f valueGT[3]);
 
+/* ComputeThreshold_Otsu. The level that best separates an image into two classes: threshold = arg max over t of w (1 - w) (mean of levels up to t - mean of levels above t)^2, w the share of pixels up to t (Otsu 1979). */
+ZETI_API ZetStatus zetiComputeThreshold_Otsu_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pThreshold);
+
 /* Compare. Mask of the pixels where two images compare: dst = src1 cmpOp src2 ? 255 : 0. */
 ZETI_API ZetStatus zetiCompare_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetCmpOp cmpOp);
 ZETI_API ZetStatus zetiCompare_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, Zet8u *pDst, int dstStep, ZetiSize roiSize, ZetCmpOp cmpOp);
@@ -1209,9 +1212,6 @@ ZETI_API ZetStatus zetiCompareEqualEpsC_32f_C1R(const Zet32f *pSrc, int srcStep,
 ZETI_API ZetStatus zetiCompareEqualEpsC_32f_C3R(const Zet32f *pSrc, int srcStep, const Zet32f value[3], Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f eps);
 ZETI_API ZetStatus zetiCompareEqualEpsC_32f_C4R(const Zet32f *pSrc, int srcStep, const Zet32f value[4], Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f eps);
 ZETI_API ZetStatus zetiCompareEqualEpsC_32f_AC4R(const Zet32f *pSrc, int srcStep, const Zet32f value[3], Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f eps);
-
-/* ComputeThreshold_Otsu. The level that best separates an image into two classes: threshold = arg max over t of w (1 - w) (mean of levels up to t - mean of levels above t)^2, w the share of pixels up to t (Otsu 1979). */
-ZETI_API ZetStatus zetiComputeThreshold_Otsu_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pThreshold);
 
 /* Copy. Copies pixels, also between layouts. */
 ZETI_API ZetStatus zetiCopy_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
