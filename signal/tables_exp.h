@@ -29,7 +29,7 @@ constexpr double scaled_exp(double x, int64_t s) {
     return y;
 }
 
-template <class T> constexpr Stairs<T> exp_stairs(int64_t s) {
+template <class T> [[gnu::noinline]] constexpr Stairs<T> exp_stairs(int64_t s) { // not to be mixed with what its caller does to the float state
     const auto result = [=](int x) {
         const double v = scaled_exp(x, s) + 0.5;
         return v < max_of<T> ? static_cast<int>(v) : int{max_of<T>};
