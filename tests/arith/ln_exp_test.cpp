@@ -20,7 +20,10 @@ template <class T> struct LnExp {
     std::string layout = "C1";
 
     int channels() const { return layout.back() - '0'; }
-    std::string name() const { return std::string("zeti") + (ln ? "Ln_" : "Exp_") + token<T>() + "_" + layout + (inPlace ? "IR" : "R") + (is_float<T> ? "" : "Sfs"); }
+    std::string name() const {
+        return std::string("zeti") + (ln ? "Ln_" : "Exp_") + token<T>() + "_" + layout + (inPlace ? "IR" : "R") +
+               (is_float<T> ? "" : "Sfs");
+    }
     ZetStatus run(const T* src, int srcStep, T* dst, int dstStep, ZetiSize roi, int s) const {
         return inPlace ? call(roi, s, dst, dstStep) : call(roi, s, src, srcStep, dst, dstStep);
     }
@@ -46,15 +49,16 @@ template <class Use> void each_member(Use use) {
     members(Zet8u{}), members(Zet16u{}), members(Zet16s{}), members(Zet32f{});
 }
 
-template <class T> int rounded(long double v) { // ties upwards
-    return v >= std::numeric_limits<T>::max() ? std::numeric_limits<T>::max() : static_cast<int>(std::floor(v + 0.5L));
-}
-
-// One sample by the rule, on integers. The only tie there is, e^0 at scale 1, is exact.
+// One sample by the rule, on integers. The only tie there is, e^0 at scale 1, is exact, and goes up.
 template <class T> T result(bool ln, T x, int s) {
-    if (ln) return x <= 0 ? std::numeric_limits<T>::min() : static_cast<T>(rounded<T>(std::ldexp(std::log(static_cast<long double>(x)), -std::clamp(s, -200, 200))));
+    constexpr T low = std::numeric_limits<T>::min(), high = std::numeric_limits<T>::max();
     const long double power = x - s * std::log(2.0L);
-    return static_cast<T>(rounded<T>(power > 99 ? HUGE_VALL : power < -99 ? 0 : x == 0 ? std::exp2(-static_cast<long double>(s)) : std::exp(power)));
+    if (ln ? x <= 0 : power < -99) return ln ? low : 0;
+    if (!ln && power > 99) return high;
+    const long double value = ln       ? std::ldexp(std::log(static_cast<long double>(x)), -std::clamp(s, -200, 200))
+                              : x == 0 ? std::exp2(-static_cast<long double>(s))
+                                       : std::exp(power);
+    return value >= high ? high : static_cast<T>(value + 0.5L);
 }
 
 template <class T> ZetStatus warning(T x) { return x < 0 ? zetStsLnNegArg : x == 0 ? zetStsLnZeroArg : zetStsNoErr; }
@@ -63,7 +67,8 @@ template <class T> ZetStatus warning(T x) { return x < 0 ? zetStsLnNegArg : x ==
 template <class T> void every_sample(bool ln, int s) {
     constexpr int low = std::numeric_limits<T>::min(), n = std::numeric_limits<T>::max() - low + 1, side = n == 256 ? 16 : 256;
     Image<T> a(side, side, 1, side * sizeof(T)), d(side, side, 1, side * sizeof(T));
-    for (int i = 0; i < n; ++i) a.set(i / side, i % side, static_cast<T>(low + i)), d.expect(i / side, i % side, result<T>(ln, static_cast<T>(low + i), s));
+    for (int i = 0; i < n; ++i)
+        a.set(i / side, i % side, static_cast<T>(low + i)), d.expect(i / side, i % side, result<T>(ln, static_cast<T>(low + i), s));
     LnExp<T>{ln, false}.run(a.data(), a.step, d.data(), d.step, {side, side}, s);
     ASSERT_TRUE(d.intact()) << (ln ? "Ln " : "Exp ") << token<T>() << " at scale " << s;
 }
@@ -118,7 +123,8 @@ TEST(LnExp, FloatsByUnitsOfTheLastPlace) {
                     ASSERT_PRED2(same<Zet32f>, y[i], static_cast<float>(exact)) << text(x[i]);
                     continue;
                 }
-                worst = std::max(worst, std::fabs(y[i] - exact) / std::ldexp(1.0, std::max(std::ilogb(exact == 0 ? 1e-300 : exact) - 23, -149)));
+                worst = std::max(worst,
+                                 std::fabs(y[i] - exact) / std::ldexp(1.0, std::max(std::ilogb(exact == 0 ? 1e-300 : exact) - 23, -149)));
             }
         }
         EXPECT_LE(worst, f.ln ? 1.0 : 1.2) << (f.ln ? "Ln" : "Exp");
@@ -150,7 +156,8 @@ template <class T> bool check(const LnExp<T>& f, Random& r, int width, int heigh
     const unsigned stateAfter = _mm_getcsr();
     _mm_setcsr(plain_state);
     sum.add(status), sum.add(d);
-    EXPECT_TRUE(d.intact() && a.intact()) << f.name() << ", " << width << " x " << height << ", scale " << s << ": " << d.intact().message();
+    EXPECT_TRUE(d.intact() && a.intact()) << f.name() << ", " << width << " x " << height << ", scale " << s << ": "
+                                          << d.intact().message();
     EXPECT_EQ(status, expected) << f.name() << ", " << width << " x " << height << ", scale " << s;
     EXPECT_EQ(state, stateAfter) << f.name();
     return !testing::Test::HasFailure();
@@ -194,8 +201,8 @@ TEST(LnExp, OrderOfChecks) {
             if (f.inPlace && (e & (null_src | src_step))) continue;
             const auto bad = [&](int error, int good) { return e & error ? r.pick({0, -1, INT_MIN}) : good; };
             const ZetStatus expected = e & (null_src | null_dst) ? zetStsNullPtrErr : e & (width | height) ? zetStsSizeErr : zetStsStepErr;
-            const ZetStatus status = f.run(e & null_src ? nullptr : a.data(), bad(src_step, a.step), e & null_dst ? nullptr : d.data(), bad(dst_step, d.step),
-                                           {bad(width, 3), bad(height, 2)}, 0);
+            const ZetStatus status = f.run(e & null_src ? nullptr : a.data(), bad(src_step, a.step), e & null_dst ? nullptr : d.data(),
+                                           bad(dst_step, d.step), {bad(width, 3), bad(height, 2)}, 0);
             EXPECT_EQ(status, expected) << f.name() << ", errors " << e;
             EXPECT_TRUE(d.intact()) << f.name();
         }
