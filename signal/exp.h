@@ -54,8 +54,8 @@ private:
 
     // Constants come from memory in the row, where the compiler would build some of them anew for every register.
     I magnitude_ = splat(max_of<Zet32s>), normal_ = splat(0x42AE0000); // up to 87 the result and 2^n are normal numbers
-    F log2e_ = splat(0x1.715476p+0f), round_ = splat(0x1.8p+23f);      // a number around that has its units in its lowest bit
-    F high_ = splat(0x1.62E4p-1f), low_ = splat(0x1.7F7D1Cp-20f);      // ln 2; n * high is exact
+    F log2e_ = splat(0x1.715476p+0f), round_ = splat(0x1.8p+23f); // a number around that has its units in its lowest bit
+    F high_ = splat(0x1.62E4p-1f), low_ = splat(0x1.7F7D1Cp-20f); // ln 2; n * high is exact
     F one_ = splat(1.0f), half_ = splat(0.5f), p0_ = splat(0x1.555514p-4f), p1_ = splat(-0x1.6A8B5Cp-10f);
 };
 

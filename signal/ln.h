@@ -15,9 +15,7 @@ template <class T> class LnDomain {
 public:
     Vec<T> neutral() const { return splat(T{1}); }
     ZetStatus status() const { return first_ != zetStsNoErr ? first_ : row_status(); }
-    void end_row()
-        requires std::is_signed_v<T>
-    {
+    void end_row() requires std::is_signed_v<T> {
         first_ = status();
         zero_ = negative_ = Vec<Zet32s>{};
     }

@@ -29,7 +29,8 @@ constexpr double scaled_exp(double x, int64_t s) {
     return y;
 }
 
-template <class T> constexpr Stairs<T> exp_stairs(int64_t s) {
+template <class T>
+[[gnu::noinline]] constexpr Stairs<T> exp_stairs(int64_t s) { // not to be mixed with what its caller does to the float state
     const auto result = [=](int x) {
         const double v = scaled_exp(x, s) + 0.5;
         return v < max_of<T> ? static_cast<int>(v) : int{max_of<T>};
@@ -53,7 +54,8 @@ struct TableScales {
 template <class T> inline constexpr TableScales exp_tables_range = {-15, 16};
 template <> inline constexpr TableScales exp_tables_range<Zet8u> = {-8, 8};
 
-template <class T> inline constexpr auto exp_tables = [] {
+template <class T>
+inline constexpr auto exp_tables = [] {
     constexpr auto range = exp_tables_range<T>;
     std::array<Stairs<T>, range.to - range.from + 1> tables;
     for (int s = range.from; s <= range.to; ++s) tables[s - range.from] = exp_stairs<T>(s);

@@ -131,6 +131,7 @@ void show_core(Gallery &gallery, const Photos &photos);
 void show_arith(Gallery &gallery, const Photos &photos);
 void show_alpha(Gallery &gallery, const Photos &photos);
 void show_unary(Gallery &gallery, const Photos &photos);
+void show_ln_exp(Gallery &gallery, const Photos &photos);
 void show_move(Gallery &gallery, const Photos &photos);
 
 } // namespace demo
