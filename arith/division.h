@@ -48,9 +48,9 @@ template <class T, Form F, class Use> bool with_divider(int s, Use use) {
 }
 
 template <class T, class L, Form F> ZetStatus divide_images(Src<T> a, Src<T> b, Dst<T> dst, ZetiSize roi, int s) {
+    [[maybe_unused]] const FloatState held; // integer quotients are computed in floats too
     const bool zero = with_divider<T, F>(s, [&](auto& kernel) {
         if constexpr (is_complex<T>) {
-            [[maybe_unused]] const FloatState held;
             each_row(samples(roi, 1), [&](ptrdiff_t y) { pixel_row<L>(SampleRow<T>{a.row(y)}, b.row(y), dst.row(y), roi.width, kernel); });
         } else {
             run_rows<Writes<T, L>>(ImageOperand<T>{a}, b, dst, real_samples<T, L>(roi), false, kernel);
@@ -59,9 +59,17 @@ template <class T, class L, Form F> ZetStatus divide_images(Src<T> a, Src<T> b, 
     return zero ? zetStsDivByZero : zetStsNoErr;
 }
 
+// Floats by their bits: the caller's float state still holds, and may take denormals for zero or trap on NaN.
 template <class T> bool is_zero_constant(T value) {
-    if constexpr (is_complex<T>) return is_zero(value);
-    else return value == 0;
+    if constexpr (is_complex<T>) {
+        return is_zero_constant(value.re) && is_zero_constant(value.im);
+    } else if constexpr (std::is_floating_point_v<T>) {
+        Zet32u bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        return bits << 1 == 0;
+    } else {
+        return value == 0;
+    }
 }
 
 template <class T, class L> ZetStatus zero_constant(const T* values) {
@@ -81,9 +89,9 @@ template <class T, class L, Form F> ZetStatus divide_by_constants(Src<T> src, co
             return zetStsNoErr;
         }
     }
+    [[maybe_unused]] const FloatState held;
     with_divider<T, F>(s, [&](auto& kernel) {
         if constexpr (is_complex<T>) {
-            [[maybe_unused]] const FloatState held;
             SampleConstants<T> constants{};
             for (int c = 0; c < L::colours; ++c) constants.value[c] = values[c];
             each_row(samples(roi, 1), [&](ptrdiff_t y) { pixel_row<L>(constants, src.row(y), dst.row(y), roi.width, kernel); });

@@ -15,9 +15,7 @@ void *zetMalloc(int bytes) {
     return aligned_alloc(ALIGNMENT, ((size_t)bytes + ALIGNMENT - 1) & ~(size_t)(ALIGNMENT - 1));
 }
 
-void zetFree(void *block) {
-    free(block);
-}
+void zetFree(void *block) { free(block); }
 
 /* The largest cache that the C library knows of; 0 for none. */
 static long long cache_of_c_library(void) {

@@ -25,8 +25,8 @@ struct MulComplex16 {
 
 struct MulComplex32f {
     static Vec<Zet32f> saturated(Vec<Zet32f> a, Vec<Zet32f> b) {
-        const Vec<Zet32f> re = __builtin_shuffle(a, Vec<Zet32s>{0, 0, 2, 2}), im = __builtin_shuffle(a, Vec<Zet32s>{1, 1, 3, 3});
-        const Vec<Zet32f> cross = im * __builtin_shuffle(b, Vec<Zet32s>{1, 0, 3, 2});
+        const Vec<Zet32f> re = __builtin_shufflevector(a, a, 0, 0, 2, 2), im = __builtin_shufflevector(a, a, 1, 1, 3, 3);
+        const Vec<Zet32f> cross = im * __builtin_shufflevector(b, b, 1, 0, 3, 2);
         const Vec<Zet32s> negate_real = {min_of<Zet32s>, 0, min_of<Zet32s>, 0};
         return re * b + as_lanes<Zet32f>(as_lanes<Zet32s>(cross) ^ negate_real);
     }

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+// Runs the rows at every size. The yardstick is memcpy: where an operation touches B bytes, reads plus writes, memcpy copies B/2 bytes
+// to B/2 others. The two take turns, a batch of calls each, and the figures are medians over the turns, as machines are noisy.
+#include <benchmark/benchmark.h>
+#include <dlfcn.h>
+#include <omp.h>
+#include <time.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "bench/rows.h"
+
+namespace bench {
+namespace {
+
+constexpr ZetiSize sizes[] = {{8, 8}, {256, 256}, {1920, 1080}, {4096, 4096}};
+
+constexpr double batch_seconds = 0.5e-3;
+constexpr size_t fewest_turns = 5, most_turns = 31;
+constexpr double turns_seconds = 0.15; // ends the turns between these two numbers
+
+int threads = 1;
+
+// With one thread the processor time of that thread, which does not count what other programs take of the machine.
+double now() {
+    timespec t;
+    clock_gettime(threads == 1 ? CLOCK_THREAD_CPUTIME_ID : CLOCK_MONOTONIC, &t);
+    return static_cast<double>(t.tv_sec) + 1e-9 * static_cast<double>(t.tv_nsec);
+}
+
+double quantile(std::vector<double> v, double q) {
+    const auto at = v.begin() + static_cast<ptrdiff_t>(q * static_cast<double>(v.size() - 1) + 0.5);
+    std::nth_element(v.begin(), at, v.end());
+    return *at;
+}
+
+template <class Calls> double seconds_per_call(const Calls& calls, int count) {
+    const double start = now();
+    calls(count);
+    return (now() - start) / count;
+}
+
+template <class Calls> int batch_of(const Calls& calls) {
+    calls(1);
+    for (int count = 1;; count *= 2)
+        if (const double seconds = seconds_per_call(calls, count) * count; seconds > batch_seconds / 4)
+            return std::max(1, static_cast<int>(count * batch_seconds / seconds));
+}
+
+void measure(benchmark::State& state, const Row& row, ZetiSize size) {
+    const size_t pixels = size_t(size.width) * size.height, half = pixels * row.touched / 2;
+    Arena arena(size, size_t(size.width + 64) * size.height * row.stored + 2 * half + 4096);
+    const auto calls = row.prepare(arena);
+    char *const from = arena.take(half), *const to = arena.take(half);
+    std::memset(from, 1, half);
+    const auto copies = [=](int count) {
+        for (int i = 0; i < count; ++i) {
+            std::memcpy(to, from, half);
+            benchmark::ClobberMemory();
+        }
+    };
+
+    std::vector<double> ours, theirs, ratios;
+    for (auto _ : state) { // once: the turns are inside
+        const int callsInBatch = batch_of(calls), copiesInBatch = batch_of(copies);
+        const double end = now() + turns_seconds;
+        while (ours.size() < fewest_turns || (ours.size() < most_turns && now() < end)) {
+            ours.push_back(seconds_per_call(calls, callsInBatch));
+            theirs.push_back(seconds_per_call(copies, copiesInBatch));
+            ratios.push_back(theirs.back() / ours.back());
+        }
+        state.SetIterationTime(quantile(ours, 0.5));
+    }
+    state.counters["pixels"] = static_cast<double>(pixels);
+    state.counters["bytes"] = static_cast<double>(2 * half);
+    state.counters["memcpy_ns"] = quantile(theirs, 0.5) * 1e9;
+    state.counters["ratio"] = quantile(ratios, 0.5);
+    state.counters["ratio_low"] = quantile(ratios, 0.25);
+    state.counters["ratio_high"] = quantile(ratios, 0.75);
+}
+
+std::vector<Row>& rows() {
+    static std::vector<Row> all;
+    return all;
+}
+
+} // namespace
+
+void add(Row row) { rows().push_back(std::move(row)); }
+
+void* member(const std::string& name) {
+    if (void* const address = dlsym(RTLD_DEFAULT, name.c_str())) return address;
+    std::fprintf(stderr, "libzeti has no %s\n", name.c_str());
+    std::exit(1);
+}
+
+Arena::Arena(ZetiSize imageSize, size_t bytes) : size(imageSize) {
+    static Zet8u* block = nullptr;
+    static size_t capacity = 0;
+    if (bytes > capacity) {
+        zetiFree(block);
+        int step = 0;
+        block = zetiMalloc_8u_C1(static_cast<int>(bytes >> 10) + 1, 1 << 10, &step);
+        capacity = size_t(step) << 10;
+        if (!block) std::fprintf(stderr, "no memory for %zu bytes\n", bytes), std::exit(1);
+    }
+    next_ = reinterpret_cast<char*>(block);
+}
+
+char* Arena::take(size_t bytes) {
+    char* const taken = next_;
+    next_ += (bytes + 63) / 64 * 64;
+    return taken;
+}
+
+char* Arena::image(int pixelBytes, int* step) {
+    *step = (size.width * pixelBytes + 63) / 64 * 64;
+    return take(size_t(*step) * size.height);
+}
+
+} // namespace bench
+
+int main(int argc, char** argv) {
+    std::vector<char*> rest;
+    for (int i = 0; i < argc; ++i)
+        if (std::sscanf(argv[i], "--threads=%d", &bench::threads) != 1) rest.push_back(argv[i]);
+    omp_set_num_threads(bench::threads);
+
+    for (const bench::Row& row : bench::rows())
+        for (const ZetiSize size : bench::sizes)
+            benchmark::RegisterBenchmark((row.name + "/" + std::to_string(size.width) + "x" + std::to_string(size.height)).c_str(),
+                                         [&row, size](benchmark::State& state) { bench::measure(state, row, size); })
+                ->UseManualTime()
+                ->Iterations(1);
+
+    benchmark::AddCustomContext("compiler", ZETI_BENCH_COMPILER);
+    benchmark::AddCustomContext("flags", ZETI_BENCH_FLAGS);
+    benchmark::AddCustomContext("threads", std::to_string(bench::threads));
+    int count = static_cast<int>(rest.size());
+    benchmark::Initialize(&count, rest.data());
+    if (benchmark::ReportUnrecognizedArguments(count, rest.data())) return 1;
+    return benchmark::RunSpecifiedBenchmarks() == 0;
+}

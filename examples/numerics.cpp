@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: Apache-2.0
+// The claims of docs/numerics.md, one by one: prints each with its answer, and fails if one does not hold.
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+#include <xmmintrin.h>
+#include <zeti/zeti.h>
+
+namespace {
+
+bool all_hold = true;
+
+void claim(bool holds, const char *text) {
+    std::printf("%s  %s\n", holds ? "ok " : "NOT", text);
+    all_hold &= holds;
+}
+
+// One pixel through a call; two_images takes the first operand first, as the calls do.
+template <class T, class Call, class... Scale> T two_images(Call call, T src1, T src2, Scale... scale) {
+    T dst{};
+    call(&src1, int{sizeof(T)}, &src2, int{sizeof(T)}, &dst, int{sizeof(T)}, ZetiSize{1, 1}, scale...);
+    return dst;
+}
+template <class T, class Call, class... Scale> T with_constant(Call call, T src, T value, Scale... scale) {
+    T dst{};
+    call(&src, int{sizeof(T)}, value, &dst, int{sizeof(T)}, ZetiSize{1, 1}, scale...);
+    return dst;
+}
+
+Zet8u add(int a, int b, int s) { return two_images<Zet8u>(zetiAdd_8u_C1RSfs, Zet8u(a), Zet8u(b), s); }
+Zet16s sub(int a, int b, int s) { return two_images<Zet16s>(zetiSub_16s_C1RSfs, Zet16s(a), Zet16s(b), s); }
+Zet16s mul(int a, int b, int s) { return two_images<Zet16s>(zetiMul_16s_C1RSfs, Zet16s(a), Zet16s(b), s); }
+Zet16u mul16u(int a, int b, int s) { return two_images<Zet16u>(zetiMul_16u_C1RSfs, Zet16u(a), Zet16u(b), s); }
+Zet8u div8(int a, int b, int s) { return two_images<Zet8u>(zetiDiv_8u_C1RSfs, Zet8u(a), Zet8u(b), s); }
+Zet16s div16(int a, int b, int s) { return two_images<Zet16s>(zetiDiv_16s_C1RSfs, Zet16s(a), Zet16s(b), s); }
+Zet16u div16u(int a, int b, int s) { return two_images<Zet16u>(zetiDiv_16u_C1RSfs, Zet16u(a), Zet16u(b), s); }
+Zet32f div(Zet32f a, Zet32f b) { return two_images<Zet32f>(zetiDiv_32f_C1R, a, b); }
+
+constexpr Zet32f inf = std::numeric_limits<Zet32f>::infinity(), largest = std::numeric_limits<Zet32f>::max();
+
+bool same(Zet32f a, Zet32f b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+void the_rule() {
+    claim(add(1, 2, 1) == 2 && add(2, 3, 1) == 2 && add(3, 4, 1) == 4, "Add 8u, scale 1: 1.5 -> 2, 2.5 -> 2, 3.5 -> 4");
+    claim(sub(0, -1, 1) == 0 && sub(0, -3, 1) == -2 && sub(0, -5, 1) == -2, "Sub 16s, scale 1: -0.5 -> 0, -1.5 -> -2, -2.5 -> -2");
+    claim(add(200, 100, 0) == 255 && add(200, 100, 1) == 150, "Add 8u: 200 + 100 saturates at scale 0, and is 150 at scale 1");
+    claim(add(10, 20, -2) == 120 && add(10, 60, -2) == 255, "Add 8u, scale -2: (10 + 20) * 4 = 120, (10 + 60) * 4 saturates");
+    claim(add(255, 255, 9) == 1 && add(255, 255, 10) == 0, "Add 8u: 510 is 1 at scale 9 and 0 at scale 10");
+    claim(mul(-1, 1, -15) == -32768 && mul(0, 77, -15) == 0, "Mul 16s, scale -15: -1 -> -32768, 0 -> 0");
+    claim(mul16u(65535, 65535, 32) == 1 && mul16u(46341, 46340, 32) == 0, "Mul 16u, scale 32: 1 above 2^31, else 0");
+}
+
+void integer_quotients() {
+    claim(div8(2, 7, 0) == 4 && div8(2, 5, 0) == 2 && div8(3, 7, -4) == 37, "Div 8u: 7/2 -> 4, 5/2 -> 2, 7/3 * 16 = 37.3 -> 37");
+    claim(div8(0, 7, 0) == 255 && div8(0, 0, 0) == 0, "Div 8u by 0: 7 -> 255, 0 -> 0");
+    claim(div16(0, 7, 20) == 32767 && div16(0, -7, -40) == -32768, "Div 16s by 0, whatever the scale: the bound of the dividend's sign");
+    claim(div16u(58558, 21, -26) == 24066, "Div 16u, scale -26: 21/58558 gives 24066, the exact quotient rounds to 24067");
+    const Zet32sc q = two_images<Zet32sc>(zetiDiv_32sc_C1RSfs, {0, 0}, {5, -5}, 0);
+    claim(q.re == 2147483647 && q.im == -2147483647 - 1, "Div 32sc by 0: each part takes its own bound");
+    const Zet16sc low = two_images<Zet16sc>(zetiDiv_16sc_C1RSfs, {0, 0}, {5, -5}, -33), high = two_images<Zet16sc>(zetiDiv_16sc_C1RSfs, {0, 1}, {9, 0}, 33);
+    claim(low.re == 0 && low.im == 0 && high.re == 0 && high.im == 0, "Div 16sc, scale -33: by 0 gives 0; scale 33: 0");
+    const Zet16sc p = two_images<Zet16sc>(zetiMul_16sc_C1RSfs, {-32768, -32768}, {-32768, -32768}, 16);
+    claim(p.re == 0 && p.im == -32768, "Mul 16sc: the sum 2^31 wraps to -2^31");
+}
+
+void float_quotients() {
+    std::mt19937 random(1);
+    const auto any = [&](int exponents) {
+        return std::ldexp(1 + Zet32f(random() >> 9) * 0x1p-23F, int(random() % unsigned(2 * exponents)) - exponents) * (random() % 2 ? 1.0F : -1.0F);
+    };
+    double worst = 0;
+    std::vector<Zet32f> a(1 << 20), b(a.size()), q(a.size());
+    std::generate(a.begin(), a.end(), [&] { return any(60); });
+    std::generate(b.begin(), b.end(), [&] { return any(60); });
+    zetiDiv_32f_C1R(a.data(), 4, b.data(), 4, q.data(), 4, {int(a.size()), 1});
+    for (std::size_t i = 0; i < a.size(); ++i) worst = std::max(worst, std::abs(q[i] / (double{b[i]} / a[i]) - 1));
+    std::printf("     Div 32f, a million quotients: relative error up to 2^%.2f\n", std::log2(worst));
+    claim(worst < 0x1p-22, "Div 32f: relative error below 2^-22");
+    claim(div(0.0F, 2) == inf && div(-0.0F, 2) == inf && div(0.0F, -2) == -inf && std::isnan(div(0.0F, 0)), "Div 32f by 0 of either sign: infinity of the dividend's sign, NaN for 0");
+    claim(std::isnan(div(inf, 1)) && std::isnan(div(-inf, 0)), "Div 32f by infinity: NaN");
+    claim(std::isnan(div(1e-40F, 1)) && std::isnan(div(-1e-40F, 0)), "Div 32f by a denormal: NaN");
+    claim(div(0x1p126F, 0x1p127F) == 0 && div(-largest, largest) == 0 && div(0x1.FFFFFEp125F, 0x1.FFFFFEp125F) == 1, "Div 32f by 2^126 and more: 0; below: the quotient");
+    claim(std::isnan(div(2, NAN)) && std::isnan(div(NAN, 2)), "Div 32f with a NaN: NaN");
+    bool infinite_or_nan = true;
+    for (int i = 0; i < 1000; ++i) {
+        const Zet32f v = div(std::abs(any(60)), inf);
+        infinite_or_nan &= v == inf || std::isnan(v);
+    }
+    claim(infinite_or_nan, "Div 32f of infinity: the infinity, or NaN");
+    bool true_quotients = true;
+    for (int i = 0; i < 1000; ++i) {
+        const Zet32f x = any(60), y = any(60);
+        true_quotients &= same(with_constant<Zet32f>(zetiDivC_32f_C1R, x, y), x / y);
+    }
+    claim(true_quotients && with_constant<Zet32f>(zetiDivC_32f_C1R, 1, inf) == 0 && with_constant<Zet32f>(zetiDivC_32f_C1R, 0x1p127F, 0x1p126F) == 2, "DivC 32f: the true quotient");
+    const Zet32fc z = two_images<Zet32fc>(zetiDiv_32fc_C1R, {0, 0}, {-1, 0}), w = two_images<Zet32fc>(zetiDiv_32fc_C1R, {1, 1}, {3, 1});
+    claim(z.re == -inf && std::isnan(z.im) && w.re == 2 && w.im == -1, "Div 32fc: (-1, 0)/0 is (-inf, NaN); (3 + i)/(1 + i) = 2 - i");
+}
+
+void floats() {
+    claim(same(with_constant<Zet32f>(zetiAddC_32f_C1R, -0.0F, 0.0F), 0.0F), "AddC 32f, value 0: -0 becomes +0");
+    claim(same(with_constant<Zet32f>(zetiMulC_32f_C1R, -3.0F, 0.0F), -0.0F) && std::isnan(with_constant<Zet32f>(zetiMulC_32f_C1R, inf, 0.0F)), "MulC 32f, value 0: -3 gives -0, infinity gives NaN");
+    const unsigned before = _mm_getcsr();
+    _mm_setcsr(0xDF80); // rounds upwards, flushes denormals to zero
+    const Zet32f third = with_constant<Zet32f>(zetiDivC_32f_C1R, 1, 3), tiny = with_constant<Zet32f>(zetiMulC_32f_C1R, 0x1p-126F, 0.5F);
+    const Zet8u third8 = div8(3, 7, 0);
+    const unsigned after = _mm_getcsr();
+    _mm_setcsr(before);
+    claim(same(third, 0x1.555556p-2F) && same(tiny, 0x1p-127F) && third8 == 2 && after == 0xDF80, "The caller's rounding and flushing change nothing, and are as they were afterwards");
+}
+
+void overlaps() {
+    Zet8u row[] = {1, 2, 3, 4, 5, 6, 7, 8};
+    zetiAddC_8u_C1RSfs(row, 8, 1, row + 1, 8, {7, 1}, 0);
+    claim(std::equal(row, row + 8, std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8}.begin()), "AddC 8u one sample ahead of its source: from left to right");
+}
+
+} // namespace
+
+int main() {
+    the_rule();
+    integer_quotients();
+    float_quotients();
+    floats();
+    overlaps();
+    return all_hold ? 0 : 1;
+}

@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The public header is fresh, and each of its files compiles alone, as C and as C++."""
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+from subject import CC, CFLAGS, CXX, HEADERS, SOURCE, run
+
+STRICT = ["-pedantic", "-Wall", "-Wextra", "-Werror", "-fsyntax-only"]
+
+
+class Header(unittest.TestCase):
+    def test_committed_header_is_what_the_list_makes(self):
+        with tempfile.TemporaryDirectory() as folder:
+            fresh = Path(folder) / "functions.h"
+            run(sys.executable, SOURCE / "api/generate.py", "header", fresh)
+            same = fresh.read_bytes() == (SOURCE / "include/zeti/functions.h").read_bytes()
+        self.assertTrue(same, "include/zeti/functions.h is stale: ./run header")
+
+    def test_each_file_compiles_alone(self):
+        self.assertTrue(HEADERS)
+        for header in HEADERS:
+            for compiler, language, standard in [(CC, "c", "c89"), (CC, "c", "c17"), (CXX, "c++", "c++11"), (CXX, "c++", "c++20")]:
+                with self.subTest(header=header.name, standard=standard):
+                    # Twice: the second time the guard must hide it.
+                    text = f"#include <zeti/{header.name}>\n" * 2
+                    run(compiler, *CFLAGS, "-x", language, f"-std={standard}", *STRICT, "-I", SOURCE / "include", "-", input=text)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,107 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Runs the benchmark, prints a table beside memcpy and writes the figures to bench.json in the build folder.
+
+A row's ratio is its bytes per second (reads plus writes) over those of memcpy on as many bytes, measured by turns.
+"""
+
+import argparse
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+# What is to be reached on one thread: operations, sizes, least ratio to memcpy. The first line that fits counts.
+PLAIN = r"_(8u|16s|32f)_C[134]I?R(Sfs/scale=[01])?/"
+TARGETS = [
+    ("streaming", r"(Add|Sub|AddC|MulC|Copy|Set)" + PLAIN + "4096x4096", 0.9),
+    ("in cache", r"(Add|Sub|AddC|MulC|Copy|Set)" + PLAIN + "256x256", 0.7),
+    ("Mul in cache", r"Mul_.*/256x256", 0.4),
+    ("positive scales in cache", r"(Add|Sub|AddC|SubC|MulC)_.*/scale=[1-9]/256x256", 0.4),
+    ("Div 32f", r"Div_32f_.*/(256x256|1920x1080|4096x4096)", 0.3),
+]
+
+
+def target_of(name):
+    return next((least for _, pattern, least in TARGETS if re.fullmatch(pattern, name)), None)
+
+
+def machine():
+    model = re.search(r"model name\s*:\s*(.*)", pathlib.Path("/proc/cpuinfo").read_text())
+    return model.group(1) if model else "unknown processor"
+
+
+def figures(run):
+    """The rows of a run of the benchmark."""
+    for row in run["benchmarks"]:
+        name = row["name"].removesuffix("/iterations:1/manual_time")
+        operation, size = name.rsplit("/", 1)
+        yield {
+            "name": name,
+            "operation": operation,
+            "size": size,
+            "ns_per_call": row["real_time"],
+            "megapixels_per_second": row["pixels"] / row["real_time"] * 1e3,
+            "gigabytes_per_second": row["bytes"] / row["real_time"],
+            "memcpy_gigabytes_per_second": row["bytes"] / row["memcpy_ns"],
+            "ratio": row["ratio"],
+            "ratio_quartiles": [row["ratio_low"], row["ratio_high"]],
+            "target": target_of(name),
+        }
+
+
+def print_table(rows):
+    print(f"{'operation':<34}{'size':>10}{'ns/call':>12}{'Mpx/s':>9}{'GB/s':>8}{'memcpy':>8}{'ratio':>7}  {'quartiles':<11}")
+    for row in rows:
+        low, high = row["ratio_quartiles"]
+        missed = row["target"] is not None and row["ratio"] < row["target"]
+        print(f"{row['operation']:<34}{row['size']:>10}{row['ns_per_call']:>12.0f}{row['megapixels_per_second']:>9.0f}"
+              f"{row['gigabytes_per_second']:>8.2f}{row['memcpy_gigabytes_per_second']:>8.2f}{row['ratio']:>7.2f}"
+              f"  {low:.2f}-{high:.2f}{'  below ' + str(row['target']) if missed else ''}")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("program", type=pathlib.Path, help="zeti_bench")
+    parser.add_argument("filter", nargs="?", default=".", help="regular expression on name/scale/size, for example Add_8u.*/256x256")
+    parser.add_argument("--threads", type=int, default=1)
+    parser.add_argument("--targets", action="store_true", help="list the targets and stop")
+    parser.add_argument("--json", type=pathlib.Path, help="default: bench.json in the build folder")
+    options = parser.parse_args()
+
+    if options.targets:
+        for what, pattern, least in TARGETS:
+            print(f"{least:.1f} of memcpy  {what:<26}{pattern}")
+        return 0
+
+    command = [options.program, f"--threads={options.threads}", f"--benchmark_filter={options.filter}", "--benchmark_format=json"]
+    done = subprocess.run(command, stdout=subprocess.PIPE, text=True)
+    if done.returncode != 0 or not done.stdout:
+        return f"{options.program} failed, or no row fits {options.filter}"
+    run = json.loads(done.stdout)
+    rows = list(figures(run))
+    context = run["context"]
+    head = {
+        "machine": f"{machine()}, {context['num_cpus']} processors, load {context['load_avg'][0]:.1f} at the start",
+        "caches": ", ".join(f"L{c['level']} {c['type']} {c['size'] // 1024} KiB" for c in context["caches"]),
+        "compiler": context["compiler"],
+        "flags": context["flags"].strip(),
+        "threads": int(context["threads"]),
+        "date": context["date"],
+    }
+    for key, value in head.items():
+        print(f"{key + ':':<10}{value}")
+    print()
+    print_table(rows)
+    missed = sum(row["target"] is not None and row["ratio"] < row["target"] for row in rows)
+    held = sum(row["target"] is not None for row in rows) - missed
+    print(f"\n{len(rows)} rows; of those with a target {held} reach it, {missed} do not")
+
+    output = options.json or options.program.resolve().parents[2] / "bench.json"
+    output.write_text(json.dumps({"head": head, "rows": rows}, indent=1) + "\n")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
