@@ -30,9 +30,9 @@ class Demo(unittest.TestCase):
 
     def test_every_operation_is_shown(self):
         page = self.page()
-        shown = set(re.findall(r"\bzeti(\w+?)[_(]", page))
         listed = {family.operation for family in model.load()[0]}
-        self.assertEqual(listed - shown, {"GetLibVersion"})  # whose answer heads the page
+        missing = {o for o in listed if not re.search(rf"\bzeti{o}(_\d|\()", page)}
+        self.assertEqual(missing, {"GetLibVersion"})  # whose answer heads the page
         self.assertIn("7.1.1 (r37466)", page)
 
     def test_the_page_needs_nothing_but_its_pictures(self):

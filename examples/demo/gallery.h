@@ -129,6 +129,7 @@ template <class A, class B> ZetiSize common(const A &a, const B &b) {
 // The entries of each folder.
 void show_core(Gallery &gallery, const Photos &photos);
 void show_arith(Gallery &gallery, const Photos &photos);
+void show_logic(Gallery &gallery, const Photos &photos);
 void show_move(Gallery &gallery, const Photos &photos);
 
 } // namespace demo

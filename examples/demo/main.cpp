@@ -17,6 +17,7 @@ int run(const std::vector<std::string> &files, const std::string &folder) {
     demo::Gallery gallery(folder);
     demo::show_core(gallery, photos);
     demo::show_arith(gallery, photos);
+    demo::show_logic(gallery, photos);
     demo::show_move(gallery, photos);
     const std::string page = gallery.write_page();
     std::printf("%s: %s\n", page.c_str(), gallery.summary().c_str());

@@ -952,7 +952,7 @@ ZETI_API ZetStatus zetiCompareEqualEpsC_32f_C3R(const Zet32f *pSrc, int srcStep,
 ZETI_API ZetStatus zetiCompareEqualEpsC_32f_C4R(const Zet32f *pSrc, int srcStep, const Zet32f value[4], Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f eps);
 ZETI_API ZetStatus zetiCompareEqualEpsC_32f_AC4R(const Zet32f *pSrc, int srcStep, const Zet32f value[3], Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f eps);
 
-/* ComputeThreshold_Otsu. The level that best separates an image into two classes: threshold = arg max over t of w (1 - w) (mean of levels up to t - mean of levels above t)^2, w the share of pixels up to t (Otsu 1979). */
+/* ComputeThreshold_Otsu. The level that best separates an image into two classes: threshold = arg max over t of w (1 - w) (mean of levels up to t - mean of levels above t)^2, w the share of pixels up to t. */
 ZETI_API ZetStatus zetiComputeThreshold_Otsu_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pThreshold);
 
 /* Copy. Copies pixels, also between layouts. */
