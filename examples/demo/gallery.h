@@ -132,6 +132,7 @@ void show_arith(Gallery &gallery, const Photos &photos);
 void show_alpha(Gallery &gallery, const Photos &photos);
 void show_unary(Gallery &gallery, const Photos &photos);
 void show_ln_exp(Gallery &gallery, const Photos &photos);
+void show_logic(Gallery &gallery, const Photos &photos);
 void show_move(Gallery &gallery, const Photos &photos);
 
 } // namespace demo

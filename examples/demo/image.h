@@ -17,6 +17,7 @@ template <> inline Zet8u *allocate<Zet8u, 3>(ZetiSize s, int *step) { return zet
 template <> inline Zet8u *allocate<Zet8u, 4>(ZetiSize s, int *step) { return zetiMalloc_8u_C4(s.width, s.height, step); }
 template <> inline Zet16u *allocate<Zet16u, 1>(ZetiSize s, int *step) { return zetiMalloc_16u_C1(s.width, s.height, step); }
 template <> inline Zet16s *allocate<Zet16s, 1>(ZetiSize s, int *step) { return zetiMalloc_16s_C1(s.width, s.height, step); }
+template <> inline Zet32s *allocate<Zet32s, 1>(ZetiSize s, int *step) { return zetiMalloc_32s_C1(s.width, s.height, step); }
 template <> inline Zet32f *allocate<Zet32f, 1>(ZetiSize s, int *step) { return zetiMalloc_32f_C1(s.width, s.height, step); }
 template <> inline Zet32fc *allocate<Zet32fc, 1>(ZetiSize s, int *step) { return zetiMalloc_32fc_C1(s.width, s.height, step); }
 

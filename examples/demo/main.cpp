@@ -20,6 +20,7 @@ int run(const std::vector<std::string> &files, const std::string &folder) {
     demo::show_alpha(gallery, photos);
     demo::show_unary(gallery, photos);
     demo::show_ln_exp(gallery, photos);
+    demo::show_logic(gallery, photos);
     demo::show_move(gallery, photos);
     const std::string page = gallery.write_page();
     std::printf("%s: %s\n", page.c_str(), gallery.summary().c_str());

@@ -1162,7 +1162,7 @@ ZETI_API ZetStatus zetiThreshold_LTValGTVal_32f_C3IR(Zet32f *pSrcDst, int srcDst
 ZETI_API ZetStatus zetiThreshold_LTValGTVal_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f thresholdLT[3], const Zet32f valueLT[3], const Zet32f thresholdGT[3], const Zet32f valueGT[3]);
 ZETI_API ZetStatus zetiThreshold_LTValGTVal_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f thresholdLT[3], const Zet32f valueLT[3], const Zet32f thresholdGT[3], const Zet32f valueGT[3]);
 
-/* ComputeThreshold_Otsu. The level that best separates an image into two classes: threshold = arg max over t of w (1 - w) (mean of levels up to t - mean of levels above t)^2, w the share of pixels up to t (Otsu 1979). */
+/* ComputeThreshold_Otsu. The level that best separates an image into two classes: threshold = arg max over t of w (1 - w) (mean of levels up to t - mean of levels above t)^2, w the share of pixels up to t. */
 ZETI_API ZetStatus zetiComputeThreshold_Otsu_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pThreshold);
 
 /* Compare. Mask of the pixels where two images compare: dst = src1 cmpOp src2 ? 255 : 0. */
