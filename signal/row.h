@@ -131,6 +131,20 @@ template <class Writes, class T, class A, class Op> void row_by_sample(const A& 
         if (!Writes::skips(i)) store(dst + i, Vec<T>(op(padded<T>(op, a.sample(i), 1), load(b + i, 1))), 1);
 }
 
+// Kernels of one operand for which most samples are simpler than some: while four registers hold usual(ones) they take their short
+// form, usual(x). Gives the samples done.
+template <class T, class A, class Op> ptrdiff_t usual_row(const A& a, T* dst, ptrdiff_t n, Op& op) {
+    ptrdiff_t i = 0;
+    for (; i <= n - 4 * lanes<T>; i += 4 * lanes<T>) {
+        const Vec<T> x[4] = {a.whole(i, 0), a.whole(i + lanes<T>, 0), a.whole(i + 2 * lanes<T>, 0), a.whole(i + 3 * lanes<T>, 0)};
+        if (op.usual(x)) [[likely]]
+            for (int k = 0; k < 4; ++k) store(dst + i + k * lanes<T>, op.usual(x[k]));
+        else
+            for (int k = 0; k < 4; ++k) store(dst + i + k * lanes<T>, op(x[k], x[k]));
+    }
+    return i;
+}
+
 } // namespace detail
 
 template <class Writes, class T, class A, class Op>
@@ -147,6 +161,7 @@ template <class Writes, class T, class A, class Op>
         store(dst + i, Writes::merge(result, load(dst + i), phase));
     };
     ptrdiff_t i = 0;
+    if constexpr (requires { op.usual(Vec<T>{}); } && std::is_same_v<Writes, WriteAll<T>>) i = detail::usual_row(a, dst, n, op);
 #pragma GCC unroll 4
     for (; i <= n - period * lanes<T>; i += period * lanes<T>)
         for (int phase = 0; phase < period; ++phase) whole(i + phase * lanes<T>, phase);
