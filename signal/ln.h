@@ -99,17 +99,24 @@ private:
                splat(0x1.9114DBF7C4EE0p-3)};
 };
 
-// 32f, zetsLn_32f_A21. P is within 2^-30.2 of ln; with the rounding of every step results are within 1 unit of the last place, as
-// ln m = f - z (f - w P) with f = m - 1, and k ln 2 in two parts, keep what cancels small.
+// 32f, zetsLn_32f_A21. P is within 2^-30.2 of ln; with the rounding of every step results are within 1.1 units of the last place, as
+// ln m = f - z (f - w P) with f = m - 1 keeps what is added to f small.
 class Ln32f : public LnDomain<Zet32f> {
 public:
-    Vec<Zet32f> operator()(Vec<Zet32f> x) {
+    bool usual(const Vec<Zet32f> (&x)[4]) const { // positive and normal
+        const auto words = [&](int k) { return as_lanes<Zet16s>(as_lanes<Zet32u>(x[k]) + to_bottom_); };
+        return !any(max<Zet16s>(max<Zet16s>(words(0), words(1)), max<Zet16s>(words(2), words(3))) > normal_);
+    }
+    Vec<Zet32f> usual(Vec<Zet32f> x) const { return positive(as_lanes<Zet32s>(x), I{}); }
+    Vec<Zet32f> operator()(Vec<Zet32f> x) { // any number
+        note(x);
         const auto bits = as_lanes<Zet32s>(x);
-        if (any(as_lanes<Zet32s>(as_lanes<Zet32u>(x) + to_bottom_) > normal_)) [[unlikely]] {
-            note(x);
-            return any_number(x);
-        }
-        return positive(bits, I{});
+        const I denormal = as_lanes<Zet32s>(bits < 0x00800000); // integers times 2^-149
+        const F infinity = splat(std::numeric_limits<Zet32f>::infinity());
+        F y = positive(select<Zet32s>(denormal, as_lanes<Zet32s>(to_float(bits)), bits), denormal & -149);
+        y = select<Zet32f>(x == 0.0f, -infinity, y);
+        y = select<Zet32f>(x < 0.0f, as_lanes<Zet32f>(splat(Zet32s{0x7FC00000})), y);
+        return select<Zet32f>(x < infinity, y, x + x); // infinity and NaN as they are
     }
 
 private:
@@ -122,24 +129,15 @@ private:
         const F m = as_lanes<Zet32f>(bits - k), kf = to_float(k + (more << 23)), f = m - one_;
         const F z = f / (m + one_), w = z * z;
         const F wp = w * (p0_ + w * (p1_ + w * p2_));
-        return kf * high_ + (f - (z * (f - wp) - kf * low_));
-    }
-    // Denormals are integers times 2^-149.
-    [[gnu::noinline, gnu::cold]] static F any_number(F x) {
-        const auto bits = as_lanes<Zet32s>(x);
-        const I denormal = as_lanes<Zet32s>(bits < 0x00800000);
-        const F infinity = splat(std::numeric_limits<Zet32f>::infinity());
-        F y = Ln32f().positive(select<Zet32s>(denormal, as_lanes<Zet32s>(to_float(bits)), bits), denormal & -149);
-        y = select<Zet32f>(x == 0.0f, -infinity, y);
-        y = select<Zet32f>(x < 0.0f, as_lanes<Zet32f>(splat(Zet32s{0x7FC00000})), y);
-        return select<Zet32f>(x < infinity, y, x + x); // infinity and NaN as they are
+        return kf * ln2_ + (f - z * (f - wp));
     }
 
     // Constants come from memory in the row, where the compiler would build some of them anew for every register.
     Vec<Zet32u> to_bottom_ = splat(0x7F800000u); // moves 0x00800000 to 0x7F7FFFFF, the normal numbers, to the end of the signed range
-    I normal_ = splat(min_of<Zet32s> + 0x7EFFFFFF), root_ = splat(0x3F3504F3), exponent_ = splat(-0x00800000);
+    Vec<Zet16s> normal_ = as_lanes<Zet16s>(splat(0xFEFF7FFFu)); // tells by upper halves; no lower one is above it
+    I root_ = splat(0x3F3504F3), exponent_ = splat(-0x00800000);
     F one_ = splat(1.0f), p0_ = splat(0x1.55557Ap-1f), p1_ = splat(0x1.995EBAp-2f), p2_ = splat(0x1.31E2F2p-2f);
-    F high_ = splat(0x1.62E4p-24f), low_ = splat(0x1.7F7D1Cp-43f); // ln 2 times 2^-23; k * high is exact
+    F ln2_ = splat(0x1.62E43p-24f); // times 2^-23, within 2^-28.4; a number so short that k ln 2 is exact for |k| <= 8
 };
 
 } // namespace zeti

@@ -174,6 +174,20 @@ template <class Writes, class T, class A, class Op>
             store_unit<unit, T>(dst + i, applied<T>(op, padded<T>(op, a.template unit<unit>(i), unit), [&] { return load_unit<unit>(b + i); }));
 }
 
+// Kernels of one operand for which most samples are simpler than some: while four registers hold usual(ones) they take their short
+// form, usual(x). Gives the samples done.
+template <class T, class A, class Op> ptrdiff_t usual_row(const A& a, T* dst, ptrdiff_t n, Op& op) {
+    ptrdiff_t i = 0;
+    for (; i <= n - 4 * lanes<T>; i += 4 * lanes<T>) {
+        const Vec<T> x[4] = {a.whole(i, 0), a.whole(i + lanes<T>, 0), a.whole(i + 2 * lanes<T>, 0), a.whole(i + 3 * lanes<T>, 0)};
+        if (op.usual(x)) [[likely]]
+            for (int k = 0; k < 4; ++k) store(dst + i + k * lanes<T>, op.usual(x[k]));
+        else
+            for (int k = 0; k < 4; ++k) store(dst + i + k * lanes<T>, op(x[k], x[k]));
+    }
+    return i;
+}
+
 } // namespace detail
 
 // One function per kernel, and everything in it: what a large file leaves the compiler to inline is not to decide about speed.
@@ -194,6 +208,7 @@ template <class Writes, class T, class A, class Op>
         for (int phase = 0; phase < period; ++phase) whole(at + phase * lanes<T>, phase);
     };
     ptrdiff_t i = 0;
+    if constexpr (requires { op.usual(Vec<T>{}); } && std::is_same_v<Writes, WriteAll<T>>) i = detail::usual_row(a, dst, n, op);
     if constexpr (detail::unrolls<Op, A>) {
 #pragma GCC unroll 4
         for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);

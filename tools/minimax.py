@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""The polynomials under the row kernels of Ln and Exp, by the exchange algorithm (Remez 1934).
+"""The polynomials under the row kernels of Ln, by the exchange algorithm (Remez 1934).
 
 Prints each polynomial's coefficients, lowest power first, and the largest relative error that it leaves in the function's result.
 """
@@ -46,12 +46,6 @@ def minimax(f, weight, a, b, degree, rounds=12, grid=1501):
     return c, max(abs(e) for e in error)
 
 
-def exp_quotient(t):
-    """r / (e^r - 1) + r / 2 - 1 over r^2, with t = r^2; it is even in r."""
-    r = t.sqrt()
-    return (r / (r.exp() - 1) + r / 2 - 1) / t
-
-
 def log_tail(w):
     """(ln((1 + z) / (1 - z)) - 2 z) / z^3 with w = z^2."""
     term, total, k = D(1), D(0), 3
@@ -61,10 +55,8 @@ def log_tail(w):
 
 
 def main():
-    t_max = LN2 * LN2 / 4
     w_max = ((D(2).sqrt() - 1) / (D(2).sqrt() + 1)) ** 2
     for name, result in (
-        ("exp, single", minimax(exp_quotient, lambda t: t * t.sqrt(), t_max / 10**6, t_max, 1)),
         ("log, single", minimax(log_tail, lambda w: w / 2, w_max / 10**6, w_max, 2)),
         ("log, double", minimax(log_tail, lambda w: w / 2, w_max / 10**6, w_max, 4)),
     ):
