@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The public header is fresh, and each of its files compiles alone, as C and as C++."""
+"""The public header and the reference are fresh, and each file of the header compiles alone, as C and as C++."""
+import filecmp
 import sys
 import tempfile
 import unittest
@@ -17,6 +18,12 @@ class Header(unittest.TestCase):
             run(sys.executable, SOURCE / "api/generate.py", "header", fresh)
             same = fresh.read_bytes() == (SOURCE / "include/zeti/functions.h").read_bytes()
         self.assertTrue(same, "include/zeti/functions.h is stale: ./run header")
+
+    def test_committed_reference_is_what_the_list_makes(self):
+        with tempfile.TemporaryDirectory() as folder:
+            run(sys.executable, SOURCE / "api/generate.py", "reference", folder)
+            pages = filecmp.dircmp(folder, SOURCE / "docs/reference")
+            self.assertEqual((pages.left_only, pages.right_only, pages.diff_files), ([], [], []), "docs/reference is stale: ./run docs")
 
     def test_each_file_compiles_alone(self):
         self.assertTrue(HEADERS)
