@@ -27,18 +27,20 @@ template <class T, class L>
 ZetStatus divide_round(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize,
                        ZetRoundMode roundMode, int scaleFactor) {
     using namespace detail;
-    if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst), size(roiSize), step(src1Step, src2Step, dstStep), round_mode(roundMode))) return bad;
+    if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst), size(roiSize), step(src1Step, src2Step, dstStep), round_mode(roundMode)))
+        return bad;
     bool zero = false;
     with_rounding_divider<T>(roundMode, scaleFactor, [&](auto kernel) {
-        run_rows<Writes<T, L>>(ImageOperand<T>{{pSrc1, src1Step}}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize),
-                               false, kernel);
+        run_rows<Writes<T, L>>(ImageOperand<T>{{pSrc1, src1Step}}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep},
+                               real_samples<T, L>(roiSize), false, kernel);
         zero = kernel.saw_zero();
     });
     return zero ? zetStsDivByZero : zetStsNoErr;
 }
 
 template <class T, class L>
-ZetStatus divide_round_I(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor) {
+ZetStatus divide_round_I(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode,
+                         int scaleFactor) {
     return divide_round<T, L>(pSrc, srcStep, pSrcDst, srcDstStep, pSrcDst, srcDstStep, roiSize, roundMode, scaleFactor);
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Products of samples that stand for 0 to 1: with t = a * b and n bits, (t + 1 + (t >> n)) >> n. That is t / (2^n - 1) truncated, or one off,
-// and exactly a or b where the other one is at full scale.
+// Products of samples that stand for 0 to 1: with t = a * b and n bits, (t + 1 + (t >> n)) >> n, which is t / N truncated, N = 2^n - 1:
+// t = q N + r is q 2^n + (r - q), so that t >> n is q, or q - 1 where r < q, and the sum is q 2^n plus r + 1 or r, less than 2^n.
 #pragma once
 
 #include "core/simd.h"

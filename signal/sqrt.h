@@ -114,7 +114,9 @@ public:
 
 private:
     // The largest x with x * 2^shift <= max^2 + max, which no root above max + 1/2 fulfils.
-    static constexpr int64_t last_below_bound(int shift) { return std::min(int64_t{max_of<T>}, (int64_t{max_of<T>} * max_of<T> + max_of<T>) >> shift); }
+    static constexpr int64_t last_below_bound(int shift) {
+        return std::min(int64_t{max_of<T>}, (int64_t{max_of<T>} * max_of<T> + max_of<T>) >> shift);
+    }
 
     // 1 where X > k^2 + k, -1 where X <= k^2 - k, else 0. X and k^2 may fill 32 bits, their difference does not.
     Vec<Zet16s> excess(Vec<Bits> x, Vec<Bits> k) const {

@@ -17,6 +17,7 @@ int run(const std::vector<std::string> &files, const std::string &folder) {
     demo::Gallery gallery(folder);
     demo::show_core(gallery, photos);
     demo::show_arith(gallery, photos);
+    demo::show_unary(gallery, photos);
     demo::show_ln_exp(gallery, photos);
     demo::show_move(gallery, photos);
     const std::string page = gallery.write_page();

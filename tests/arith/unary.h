@@ -25,7 +25,9 @@ template <class T> struct Elementwise {
     bool divides() const { return operation == "Div_Round"; }
     bool one_operand() const { return operation[0] == 'A' || operation[0] == 'S'; }
     bool scales() const { return !is_float<T> && (operation[0] == 'S' || divides()); }
-    std::string name() const { return "zeti" + operation + "_" + token<T>() + "_" + layout + (inPlace ? "IR" : "R") + (scales() ? "Sfs" : ""); }
+    std::string name() const {
+        return "zeti" + operation + "_" + token<T>() + "_" + layout + (inPlace ? "IR" : "R") + (scales() ? "Sfs" : "");
+    }
 
     struct Images { // b is the only operand, the second one or the image; not used in place
         const T* a;
@@ -38,7 +40,9 @@ template <class T> struct Elementwise {
     };
     ZetStatus run(const Images& i, ZetiSize roi, int s = 0, int mode = 1) const {
         const auto call = [&](auto... a) {
-            if (divides()) return member<ZetStatus(decltype(a)..., ZetiSize, ZetRoundMode, int)>(name())(a..., roi, static_cast<ZetRoundMode>(mode), s);
+            if (divides())
+                return member<ZetStatus(decltype(a)..., ZetiSize, ZetRoundMode, int)>(name())(a..., roi, static_cast<ZetRoundMode>(mode),
+                                                                                              s);
             if (scales()) return member<ZetStatus(decltype(a)..., ZetiSize, int)>(name())(a..., roi, s);
             return member<ZetStatus(decltype(a)..., ZetiSize)>(name())(a..., roi);
         };
@@ -83,18 +87,21 @@ template <class Use> void each_elementwise(Use use) {
                 for (const bool inPlace : {false, true})
                     if (operation != "Sqrt" || layout != "C4" || (is_float<T> && inPlace)) use(Elementwise<T>{operation, layout, inPlace});
     };
-    members(Zet8u{}, {"Sqr", "Sqrt", "MulScale", "MulCScale", "Div_Round"}), members(Zet16u{}, {"Sqr", "Sqrt", "MulScale", "MulCScale", "Div_Round"});
+    members(Zet8u{}, {"Sqr", "Sqrt", "MulScale", "MulCScale", "Div_Round"}),
+        members(Zet16u{}, {"Sqr", "Sqrt", "MulScale", "MulCScale", "Div_Round"});
     members(Zet16s{}, {"Abs", "Sqr", "Sqrt", "Div_Round"}), members(Zet32f{}, {"Abs", "Sqr", "Sqrt"});
 }
 
 // An image for families of one operand, whose rows advance by whole samples: its step is a multiple of them.
 template <class T> Image<T> of_whole_samples(Random& r, int w, int h, int c) {
-    return Image<T>(w, h, c, (w * c + r.pick({0, 1, r.between(0, 40)})) * static_cast<int>(sizeof(T)), r.chance(2) ? Fence::behind : Fence::before, r.pick({0, r.between(0, 15)}));
+    return Image<T>(w, h, c, (w * c + r.pick({0, 1, r.between(0, 40)})) * static_cast<int>(sizeof(T)),
+                    r.chance(2) ? Fence::behind : Fence::before, r.pick({0, r.between(0, 15)}));
 }
 
 // One call on random images against the reference. False after a failure.
 template <class T>
-bool check(const Elementwise<T>& f, Random& r, int width, int height, int s, int mode, unsigned state = plain_state, Checksum* sum = nullptr) {
+bool check(const Elementwise<T>& f, Random& r, int width, int height, int s, int mode, unsigned state = plain_state,
+           Checksum* sum = nullptr) {
     const int c = f.channels(), extra = f.one_operand() ? r.between(0, sizeof(T) - 1) : 0; // low bits that a step may have on top
     const auto image = [&] { return f.one_operand() ? of_whole_samples<T>(r, width, height, c) : Image<T>(r, width, height, c); };
     Image<T> a = image(), b = image(), d = image(), constants(f.colours(), 1, 1, 0);
@@ -113,10 +120,12 @@ bool check(const Elementwise<T>& f, Random& r, int width, int height, int s, int
     ZetStatus expected = zetStsNoErr;
     for (int y = 0; y < height; ++y)
         for (int i = 0; i < d.row_samples(); ++i)
-            if (const int k = i % c; k < f.colours()) d.expect(y, i, result(f.operation, f.constant() ? constants.at(0, k) : a.at(y, i), operand.at(y, i), s, mode, expected));
+            if (const int k = i % c; k < f.colours())
+                d.expect(y, i, result(f.operation, f.constant() ? constants.at(0, k) : a.at(y, i), operand.at(y, i), s, mode, expected));
 
     _mm_setcsr(state);
-    const ZetStatus status = f.run({a.data(), a.step, b.data(), b.step + extra, d.data(), d.step + extra, constants.data()}, {width, height}, s, mode);
+    const ZetStatus status =
+        f.run({a.data(), a.step, b.data(), b.step + extra, d.data(), d.step + extra, constants.data()}, {width, height}, s, mode);
     const unsigned stateAfter = _mm_getcsr();
     _mm_setcsr(plain_state);
 
