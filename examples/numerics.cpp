@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
@@ -92,6 +93,38 @@ void roots_and_products() {
     claim(truncated, "MulScale 16u: the product by 65535, truncated");
 }
 
+void logarithms_and_exponentials() {
+    const auto ln8 = [](int x, int s) { return of_one<Zet8u>(zetiLn_8u_C1RSfs, Zet8u(x), s); };
+    const auto exp8 = [](int x, int s) { return of_one<Zet8u>(zetiExp_8u_C1RSfs, Zet8u(x), s); };
+    claim(ln8(2, 1) == 0 && ln8(3, 1) == 1 && ln8(20, 1) == 1 && ln8(21, 1) == 2, "Ln 8u, scale 1: 1 from 3 on, 2 from 21 on");
+    claim(ln8(54, 3) == 0 && ln8(55, 3) == 1 && ln8(255, 4) == 0, "Ln 8u: 1 from 55 on at scale 3, 0 at scale 4");
+    claim(exp8(0, 1) == 1 && exp8(1, 1) == 1 && exp8(2, 1) == 4 && exp8(7, 1) == 255,
+          "Exp 8u, scale 1: 0.5 -> 1, 1.36 -> 1, 3.69 -> 4, 548 -> 255");
+    claim(exp8(0, -7) == 128 && exp8(1, -7) == 255, "Exp 8u, scale -7: 128 for 0, else 255");
+    const Zet16s samples[] = {0, -1};
+    Zet16s dst[2];
+    claim(zetiLn_16s_C1RSfs(samples, 4, dst, 4, {2, 1}, 0) == zetStsLnNegArg &&
+              zetiLn_16s_C1RSfs(samples, 2, dst, 2, {1, 2}, 0) == zetStsLnZeroArg && dst[0] == -32768 && dst[1] == -32768,
+          "Ln 16s of 0 and -1: in one row the negative sample is warned of, in two the first row");
+    const auto ln = [](Zet32f x) { return of_one<Zet32f>(zetiLn_32f_C1R, x); };
+    const auto exp = [](Zet32f x) { return of_one<Zet32f>(zetiExp_32f_C1R, x); };
+    claim(ln(0) == -inf && ln(-0.0F) == -inf && std::isnan(ln(-1)) && std::isnan(ln(-inf)) && ln(inf) == inf && std::isnan(ln(NAN)),
+          "Ln 32f at its edges");
+    claim(exp(-inf) == 0 && exp(88.73F) == inf && exp(inf) == inf && std::isnan(exp(NAN)) && exp(0x1p-149F) == 1, "Exp 32f at its edges");
+    double worst_ln = 0, worst_exp = 0;
+    const auto off = [](double exact, Zet32f result) {
+        return std::abs(result - exact) / std::ldexp(1.0, std::max(std::ilogb(exact) - 23, -149));
+    };
+    for (std::uint32_t bits = 1; bits < 0x7F800000; bits += 4999) {
+        Zet32f x;
+        std::memcpy(&x, &bits, sizeof x);
+        if (x != 1) worst_ln = std::max(worst_ln, off(std::log(double{x}), ln(x)));
+        if (x < 88) worst_exp = std::max({worst_exp, off(std::exp(double{x}), exp(x)), off(std::exp(-double{x}), exp(-x))});
+    }
+    std::printf("     Ln and Exp 32f: %.2f and %.2f units of the last place off at most\n", worst_ln, worst_exp);
+    claim(worst_ln <= 1.07 && worst_exp <= 1.89, "Ln 32f within 1.07, Exp 32f within 1.89 units of the last place");
+}
+
 void float_quotients() {
     std::mt19937 random(1);
     const auto any = [&](int exponents) {
@@ -165,6 +198,7 @@ int main() {
     the_rule();
     integer_quotients();
     roots_and_products();
+    logarithms_and_exponentials();
     float_quotients();
     floats();
     overlaps();

@@ -117,7 +117,7 @@ TEST(LnExp, FloatsByUnitsOfTheLastPlace) {
             for (unsigned i = 0; i < row; ++i) x[i] = of_bits(static_cast<std::uint32_t>(bits + i * stride));
             f.run(x.data(), row * 4, y.data(), row * 4, {row, 1}, 0);
             for (unsigned i = 0; i < row; ++i) {
-                if (i % 61 == 0) ASSERT_PRED2(same<Zet32f>, y[i], f.alone(x[i])) << text(x[i]);
+                if (i % 61 == 0) { ASSERT_PRED2(same<Zet32f>, y[i], f.alone(x[i])) << text(x[i]); }
                 const double exact = f.ln ? std::log(double{x[i]}) : std::exp(double{x[i]});
                 const bool number = std::isfinite(static_cast<float>(exact));
                 if (!number) {
