@@ -5,7 +5,16 @@ Vocabulary of the TOML files
   [members.NAME]      a list of {types, layouts, suffixes}: the product of the three is the set of members
   [arguments.NAME]    suffix -> list of arguments "kind name [step]"; Sfs appends the scale factor by itself
   [notes.NAME]        text shared by the reference pages of several families
-  [[family]]          operation, members, arguments, template and the texts of its reference page
+  [[family]]          operation, members, arguments, template, header, returns (ZetStatus if not given) and the texts of
+                      its reference page
+
+Texts of a reference page, all of them Markdown and none but `brief` required
+  brief, formula      the head of the page; `author` ("Name, year") where the formula has one
+  notes               heading -> name of a shared note, or a list of names, in the order of the page
+  text                what holds for this family alone
+  describe            argument -> what it is, or [what it is, unit, range], where the argument's kind does not tell
+  steps               the values that the steps may have
+  statuses            status -> when it is returned ("" where the status says it all); zetStsNoErr goes without saying
 
 Argument kinds
   source, destination, both   an image (pointer and step); planar layouts take an array of plane pointers

@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* The mean of two images: their sum at scale factor 1, which halves it and rounds to the nearest even number. */
+/* The mean of two images: their sum at scale factor 1, which halves it, rounded to nearest with ties to even. */
 #include <stdio.h>
 #include <zeti/zeti.h>
 

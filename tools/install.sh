@@ -8,11 +8,11 @@ set -euo pipefail
 declare -A groups=(
     [build]="cmake ninja-build gcc g++ binutils python3"
     [test]="g++-multilib googletest pkg-config"
-    [demo]="libpng-dev libjpeg-dev"
-    [bench]="libbenchmark-dev"
-    [lint]="clang-tidy cppcheck libomp-dev googletest"
+    [demo]="libpng-dev libjpeg-dev googletest"
+    [bench]="libbenchmark-dev googletest"
+    [lint]="clang-tidy cppcheck libomp-dev googletest libpng-dev libjpeg-dev libbenchmark-dev"
     [format]="clang-format git"
-    [docs]="python3"
+    [docs]="python3 python3-markdown"
 )
 
 if ! command -v dpkg-query >/dev/null; then

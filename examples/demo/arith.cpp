@@ -27,7 +27,8 @@ void show_add(Gallery &gallery, const Photos &photos) {
     const ZetiSize roi = common(src1, src2);
     {
         const Colour dst(roi);
-        Shot shot = gallery.shot("Two photographs blended", "At scale factor 1 the sum is halved, and rounded to the nearest even number.", roi);
+        Shot shot =
+            gallery.shot("Two photographs blended", "At scale factor 1 the sum is halved, rounded to nearest with ties to even.", roi);
         shot.run(CALL(zetiAdd_8u_C3RSfs(src1.p, src1.step, src2.p, src2.step, dst.p, dst.step, roi, 1)));
         shot.show({{"src1", picture(src1, roi)}, {"src2", picture(src2, roi)}}, {{"dst", picture(dst)}});
     }
@@ -43,11 +44,13 @@ void show_add(Gallery &gallery, const Photos &photos) {
         std::mt19937 random(1);
         std::normal_distribution<double> noise(0, 40);
         std::vector<Image<Zet16u, 1>> frames;
+        frames.reserve(16);
         for (int i = 0; i < 16; ++i)
             frames.push_back(converted<Zet16u>(clean, [&](Zet8u v) { return static_cast<Zet16u>(std::max(0.0, v + 64 + noise(random))); }));
         const Image<Zet16u, 1> sum(clean.size);
-        Shot shot = gallery.shot("The mean of sixteen noisy exposures",
-                                 "16-bit sums of sixteen frames, then a sixteenth of them: scale factor 4. The noise is a quarter of what it was.", clean.size);
+        Shot shot = gallery.shot(
+            "The mean of sixteen noisy exposures",
+            "16-bit sums of sixteen frames, then a sixteenth of them: scale factor 4. The noise is a quarter of what it was.", clean.size);
         for (const Image<Zet16u, 1> &frame : frames) shot.run(CALL(zetiAdd_16u_C1IRSfs(frame.p, frame.step, sum.p, sum.step, sum.size, 0)));
         shot.run(CALL(zetiMulC_16u_C1IRSfs(1, sum.p, sum.step, sum.size, 4)));
         const auto shown = [](Zet16u v) { return v - 64; };
@@ -61,15 +64,17 @@ void show_sub(Gallery &gallery, const Photos &photos) {
     const ZetiSize roi = {src.size.width - 2, src.size.height};
     {
         const Grey dst(roi);
-        Shot shot = gallery.shot("Neighbours subtracted",
-                                 "The same image twice, two columns apart. What is negative becomes 0; scale factor -2 is a gain of four.", roi);
+        Shot shot =
+            gallery.shot("Neighbours subtracted",
+                         "The same image twice, two columns apart. What is negative becomes 0; scale factor -2 is a gain of four.", roi);
         shot.run(CALL(zetiSub_8u_C1RSfs(src.p, src.step, src.p + 2, src.step, dst.p, dst.step, roi, -2)));
         shot.show({{"src", picture(src)}}, {{"dst", picture(dst)}});
     }
     {
         const auto wide = converted<Zet16s>(src, [](Zet8u v) { return Zet16s{v}; });
         const Image<Zet16s, 1> dst(roi);
-        Shot shot = gallery.shot("Relief", "Signed samples keep both directions; (difference + 255) / 2 brings them back to 0 to 255.", roi);
+        Shot shot =
+            gallery.shot("Relief", "Signed samples keep both directions; (difference + 255) / 2 brings them back to 0 to 255.", roi);
         shot.run(CALL(zetiSub_16s_C1RSfs(wide.p, wide.step, wide.p + 2, wide.step, dst.p, dst.step, roi, 0)));
         shot.run(CALL(zetiAddC_16s_C1IRSfs(255, dst.p, dst.step, roi, 1)));
         shot.show({{"wide", picture(src)}}, {{"dst", toned(dst, [](Zet16s v) { return v; })}});
@@ -117,12 +122,14 @@ void show_mul(Gallery &gallery, const Photos &photos) {
             return image;
         };
         const Complex carrier = wave(1), conjugate = wave(-1), there(grey.size), back(grey.size);
-        Shot shot = gallery.shot("On a carrier wave and back", "Complex floats: the product with a wave, shown by its real part, and with the conjugate wave.",
-                                 grey.size);
+        Shot shot =
+            gallery.shot("On a carrier wave and back",
+                         "Complex floats: the product with a wave, shown by its real part, and with the conjugate wave.", grey.size);
         shot.run(CALL(zetiMul_32fc_C1R(light.p, light.step, carrier.p, carrier.step, there.p, there.step, there.size)));
         shot.run(CALL(zetiMul_32fc_C1R(there.p, there.step, conjugate.p, conjugate.step, back.p, back.step, back.size)));
         const auto real = [](Zet32fc v) { return 128 + v.re / 2; };
-        shot.show({{"light", picture(grey)}}, {{"there, real part", toned(there, real)}, {"back", toned(back, [](Zet32fc v) { return v.re; })}});
+        shot.show({{"light", picture(grey)}},
+                  {{"there, real part", toned(there, real)}, {"back", toned(back, [](Zet32fc v) { return v.re; })}});
     }
 }
 
@@ -132,8 +139,9 @@ void show_div(Gallery &gallery, const Photos &photos) {
         const Colour &scene = photos.colour(1);
         const Colour flat = in_colour(falloff(scene.size)), photo(scene.size), dst(scene.size);
         zetiMul_8u_C3RSfs(flat.p, flat.step, scene.p, scene.step, photo.p, photo.step, photo.size, 8);
-        Shot shot = gallery.shot("Flat-field correction", "A photograph with dark corners, by one of an evenly lit wall; scale factor -8 multiplies by 256.",
-                                 dst.size);
+        Shot shot =
+            gallery.shot("Flat-field correction",
+                         "A photograph with dark corners, by one of an evenly lit wall; scale factor -8 multiplies by 256.", dst.size);
         shot.run(CALL(zetiDiv_8u_C3RSfs(flat.p, flat.step, photo.p, photo.step, dst.p, dst.step, dst.size, -8)));
         shot.show({{"flat", picture(flat)}, {"photo", picture(photo)}}, {{"dst", picture(dst)}});
     }
@@ -145,8 +153,10 @@ void show_div(Gallery &gallery, const Photos &photos) {
             return converted<Zet32f>(plane, [](Zet8u v) { return static_cast<Zet32f>(v); });
         };
         const Image<Zet32f, 1> red = channel(0), green = channel(1), dst(scene.size);
-        Shot shot = gallery.shot("The ratio of two channels", "Red by green as floats: light and shadow cancel out, colour is left. Black pixels divide by "
-                                                              "zero, which is a warning; they become infinite or no number.", dst.size);
+        Shot shot = gallery.shot("The ratio of two channels",
+                                 "Red by green as floats: light and shadow cancel out, colour is left. Black pixels divide by "
+                                 "zero, which is a warning; they become infinite or no number.",
+                                 dst.size);
         shot.run(CALL(zetiDiv_32f_C1R(green.p, green.step, red.p, red.step, dst.p, dst.step, dst.size)));
         shot.run(CALL(zetiMulC_32f_C1IR(90.0f, dst.p, dst.step, dst.size)));
         shot.show({{"red and green of this", picture(scene)}}, {{"dst", toned(dst, [](Zet32f v) { return v; })}});
@@ -165,11 +175,13 @@ void show_addc(Gallery &gallery, const Photos &photos) {
     }
     {
         const ColourAlpha image(src.size);
-        const Grey alpha = drawn<Zet8u>(src.size, [](double x, double y) { return std::max(0.0, std::min(255.0, 900 * (1 - std::hypot(x, 1.5 * y)))); });
+        const Grey alpha =
+            drawn<Zet8u>(src.size, [](double x, double y) { return std::max(0.0, std::min(255.0, 900 * (1 - std::hypot(x, 1.5 * y)))); });
         zetiCopy_8u_C3AC4R(src.p, src.step, image.p, image.step, image.size);
         zetiCopy_8u_C1C4R(alpha.p, alpha.step, image.p + 3, image.step, image.size);
         const Captioned before = {"image, with alpha", picture(image)};
-        Shot shot = gallery.shot("A tint that leaves alpha alone", "AC4: a constant for each of three colours; the fourth sample stays as it is.", src.size);
+        Shot shot = gallery.shot("A tint that leaves alpha alone",
+                                 "AC4: a constant for each of three colours; the fourth sample stays as it is.", src.size);
         GIVEN(shot, const Zet8u value[3] = {0, 40, 120});
         shot.run(CALL(zetiAddC_8u_AC4IRSfs(value, image.p, image.step, image.size, 0)));
         shot.show({before}, {{"image", picture(image)}});

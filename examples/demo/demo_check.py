@@ -50,7 +50,8 @@ class Demo(unittest.TestCase):
 
         rows = b"".join(b"\0" + bytes(range(16 * y, 16 * y + 16)) for y in range(16))
         head = struct.pack(">IIBBBBB", 16, 16, 8, 0, 0, 0, 0)
-        (self.folder / "tiny.png").write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head) + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+        chunks = chunk(b"IHDR", head) + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
+        (self.folder / "tiny.png").write_bytes(b"\x89PNG\r\n\x1a\n" + chunks)
         self.page("tiny.png")
 
     def test_bad_files(self):

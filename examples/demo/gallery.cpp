@@ -74,7 +74,7 @@ Figure Gallery::figure(const Captioned &captioned) {
 }
 
 std::string Gallery::write_page() const {
-    const std::string name = folder_ + "/index.html";
+    std::string name = folder_ + "/index.html";
     std::ofstream page(name);
     page << page_of(sections_);
     page.close();
@@ -85,7 +85,8 @@ std::string Gallery::write_page() const {
 std::string Gallery::summary() const {
     std::size_t shots = 0;
     for (const Section &s : sections_) shots += s.items.size();
-    return std::to_string(sections_.size()) + " families, " + std::to_string(shots) + " shots, " + std::to_string(files_.size()) + " pictures";
+    return std::to_string(sections_.size()) + " families, " + std::to_string(shots) + " shots, " + std::to_string(files_.size()) +
+           " pictures";
 }
 
 Photos::Photos(const std::vector<std::string> &files) {

@@ -20,14 +20,14 @@ namespace demo {
 
 // A call as text and as something to run; a declaration that the text of the calls needs.
 #define CALL(...) #__VA_ARGS__, [&] { return __VA_ARGS__; }
-#define GIVEN(shot, ...)                                                                                                                    \
-    __VA_ARGS__;                                                                                                                            \
+#define GIVEN(shot, ...)                                                                                                                   \
+    __VA_ARGS__;                                                                                                                           \
     (shot).given(#__VA_ARGS__)
 
 struct Call {
     std::string text;
     std::string status; // empty where the function has none
-    int times = 1;      // calls in a row that read the same
+    int times = 1; // calls in a row that read the same
     double seconds = 0; // one call
 };
 
@@ -96,7 +96,7 @@ public:
     Shot shot(const std::string &title, const std::string &note, ZetiSize region);
 
     Figure figure(const Captioned &captioned); // writes the picture, once if it comes again
-    std::string write_page() const;            // gives the name of the page
+    std::string write_page() const; // gives the name of the page
     std::string summary() const;
 
 private:

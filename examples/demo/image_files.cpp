@@ -23,12 +23,13 @@ constexpr int least = 16, most = 16384; // pixels of a side, for the gallery's s
 
 void check_size(const std::string &file, unsigned width, unsigned height) {
     if (width >= least && height >= least && width <= most && height <= most) return;
-    fail(file, std::to_string(width) + " x " + std::to_string(height) + " pixels; a side must have " + std::to_string(least) + " to "
-                   + std::to_string(most));
+    fail(file, std::to_string(width) + " x " + std::to_string(height) + " pixels; a side must have " + std::to_string(least) + " to " +
+                   std::to_string(most));
 }
 
 Picture blank(unsigned width, unsigned height, int channels) {
-    return {{static_cast<int>(width), static_cast<int>(height)}, channels, std::vector<std::uint8_t>(std::size_t{width} * height * channels)};
+    return {
+        {static_cast<int>(width), static_cast<int>(height)}, channels, std::vector<std::uint8_t>(std::size_t{width} * height * channels)};
 }
 
 Picture read_png(const std::string &file) {

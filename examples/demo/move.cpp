@@ -19,7 +19,8 @@ void show_copy(Gallery &gallery, const Photos &photos) {
     {
         const ZetiSize roi = {src.size.width / 2, src.size.height / 2};
         const Colour dst(roi);
-        Shot shot = gallery.shot("A region", "An image is a pointer to its first pixel and a step: a pointer further in is a smaller image.", roi);
+        Shot shot =
+            gallery.shot("A region", "An image is a pointer to its first pixel and a step: a pointer further in is a smaller image.", roi);
         GIVEN(shot, const Zet8u *corner = src.p + src.size.width / 4 * 3);
         shot.run(CALL(zetiCopy_8u_C3R(corner, src.step, dst.p, dst.step, roi)));
         shot.show({{"src", picture(src)}}, {{"dst", picture(dst)}});
@@ -45,7 +46,8 @@ void show_copy(Gallery &gallery, const Photos &photos) {
     {
         const Grey red(src.size), green(src.size), blue(src.size);
         const Colour swapped(src.size);
-        Shot shot = gallery.shot("Channels apart, and together in another order", "From pixels to planes, and from planes to pixels.", src.size);
+        Shot shot =
+            gallery.shot("Channels apart, and together in another order", "From pixels to planes, and from planes to pixels.", src.size);
         GIVEN(shot, Zet8u *const planes[3] = {red.p, green.p, blue.p});
         GIVEN(shot, const Zet8u *const turned[3] = {green.p, blue.p, red.p});
         shot.run(CALL(zetiCopy_8u_C3P3R(src.p, src.step, planes, red.step, src.size)));
@@ -58,7 +60,8 @@ void show_copy(Gallery &gallery, const Photos &photos) {
         const ZetiSize roi = {src.size.width - shift, src.size.height};
         const Colour dst(roi);
         zetiCopy_8u_C3R(src.p, src.step, dst.p, dst.step, roi);
-        Shot shot = gallery.shot("One channel moved", "The pointers address red, and only red is copied: from a few pixels further right.", roi);
+        Shot shot =
+            gallery.shot("One channel moved", "The pointers address red, and only red is copied: from a few pixels further right.", roi);
         GIVEN(shot, const Zet8u *red = src.p + 3 * shift);
         shot.run(CALL(zetiCopy_8u_C3CR(red, src.step, dst.p, dst.step, roi)));
         shot.show({{"src", picture(src)}}, {{"dst", picture(dst)}});
@@ -74,7 +77,8 @@ void show_copy(Gallery &gallery, const Photos &photos) {
         const ColourAlpha image(src.size);
         const Grey alpha =
             drawn<Zet8u>(src.size, [](double x, double y) { return std::clamp(700 * (1 - std::hypot(x, y) / 0.95), 0.0, 255.0); });
-        Shot shot = gallery.shot("Colours and alpha from two images", "C3AC4 writes three samples of four, C1C4 the one its pointer addresses.", src.size);
+        Shot shot = gallery.shot("Colours and alpha from two images",
+                                 "C3AC4 writes three samples of four, C1C4 the one its pointer addresses.", src.size);
         shot.run(CALL(zetiCopy_8u_C3AC4R(src.p, src.step, image.p, image.step, image.size)));
         shot.run(CALL(zetiCopy_8u_C1C4R(alpha.p, alpha.step, image.p + 3, image.step, image.size)));
         shot.show({{"src", picture(src)}, {"alpha", picture(alpha)}}, {{"image", picture(image)}});
@@ -135,7 +139,9 @@ void show_copy_managed(Gallery &gallery, const Photos &photos) {
             zetiCopy_8u_C1R(photo.p, photo.step, wall.at(x, y), wall.step, tile);
         }
     Shot shot = gallery.shot("Sixteen megabytes, through the cache and past it",
-                             "A wall of photographs, 4096 x 4096; the picture shows every eighth pixel of its upper half. Flag 1 asks for stores that bypass the cache.", wall.size);
+                             "A wall of photographs, 4096 x 4096; the picture shows every eighth pixel of its upper half. Flag 1 asks for "
+                             "stores that bypass the cache.",
+                             wall.size);
     shot.run(CALL(zetiCopyManaged_8u_C1R(wall.p, wall.step, dst.p, dst.step, wall.size, 0)));
     shot.run(CALL(zetiCopyManaged_8u_C1R(wall.p, wall.step, dst.p, dst.step, wall.size, 1)));
     Picture small{{dst.size.width / 8, dst.size.height / 16}, 1, {}};

@@ -18,8 +18,8 @@ constexpr const char *style = R"(
   --accent: #e0a06a; --code: #17191c; --check: #3a3d42; } }
 * { box-sizing: border-box; }
 html { scroll-behavior: smooth; scroll-padding-top: 4rem; }
-body { margin: 0; background: var(--paper); color: var(--ink); font: 16px/1.55 system-ui, -apple-system, "Segoe UI", Roboto, "Liberation Sans",
-  sans-serif; }
+body { margin: 0; background: var(--paper); color: var(--ink); 
+  font: 16px/1.55 system-ui, -apple-system, "Segoe UI", Roboto, "Liberation Sans", sans-serif; }
 header, main, footer { max-width: 1480px; margin: 0 auto; padding: 0 1.5rem; }
 header { padding-top: 2.5rem; padding-bottom: 1rem; }
 h1 { margin: 0 0 .25rem; font-size: 2.1rem; line-height: 1.2; letter-spacing: -.02em; }
@@ -49,8 +49,8 @@ pre { margin: .85rem 0 0; padding: .65rem .8rem; background: var(--code); border
 pre .speed { display: block; color: var(--faint); }
 pre .speed b { color: var(--accent); font-weight: 600; }
 @media (min-width: 72rem) { /* two columns: a shot that is left over takes both, its text beside its pictures */
-  article:last-child:nth-child(odd) { grid-column: 1 / -1; display: grid; grid-template: "figures title" auto "figures note" auto "figures code" 1fr
-    / fit-content(60%) minmax(24rem, 1fr); column-gap: 1.5rem; }
+  article:last-child:nth-child(odd) { grid-column: 1 / -1; display: grid; column-gap: 1.5rem;
+    grid-template: "figures ." auto "figures ." auto "figures ." 1fr / fit-content(60%) minmax(24rem, 1fr); }
   article:last-child:nth-child(odd) .figures { grid-area: figures; }
   article:last-child:nth-child(odd) pre { align-self: start; margin-top: 0; }
 }
@@ -80,17 +80,18 @@ std::string time_of(double seconds) {
 }
 
 std::string figure(const Figure &f, bool after) {
-    return std::string("<figure class=\"") + (after ? "after" : "before") + (f.transparent ? " transparent" : "") + "\"><a href=\"" + f.file
-        + "\"><img loading=\"lazy\" src=\"" + f.file + "\" width=\"" + std::to_string(f.size.width) + "\" height=\"" + std::to_string(f.size.height)
-        + "\" alt=\"" + escaped(f.caption) + "\"></a><figcaption><b>" + (after ? "after" : "before") + "</b> " + escaped(f.caption)
-        + "</figcaption></figure>\n";
+    return std::string("<figure class=\"") + (after ? "after" : "before") + (f.transparent ? " transparent" : "") + "\"><a href=\"" +
+           f.file + "\"><img loading=\"lazy\" src=\"" + f.file + "\" width=\"" + std::to_string(f.size.width) + "\" height=\"" +
+           std::to_string(f.size.height) + "\" alt=\"" + escaped(f.caption) + "\"></a><figcaption><b>" + (after ? "after" : "before") +
+           "</b> " + escaped(f.caption) + "</figcaption></figure>\n";
 }
 
 std::string call(const Call &c, ZetiSize region) {
     std::string text = escaped(c.text) + ";\n<span class=\"speed\">/* ";
     if (c.times > 1) text += std::to_string(c.times) + " times; each ";
     const double megapixels = 1e-6 * region.width * region.height;
-    text += "<b>" + (c.status.empty() ? "" : number(megapixels / c.seconds, "MP/s") + "</b>, ") + time_of(c.seconds) + (c.status.empty() ? "</b>" : "");
+    text += "<b>" + (c.status.empty() ? "" : number(megapixels / c.seconds, "MP/s") + "</b>, ") + time_of(c.seconds) +
+            (c.status.empty() ? "</b>" : "");
     if (!c.status.empty()) text += ", " + c.status;
     return text + " */</span>";
 }
@@ -114,9 +115,11 @@ std::string machine() {
             name = line.substr(line.find(':') + 2);
             break;
         }
-    const char *const asked = std::getenv("OMP_NUM_THREADS"); // NOLINT: one thread runs here
-    return name + ", " + std::to_string(std::thread::hardware_concurrency()) + " processors"
-        + (asked ? std::string(", OMP_NUM_THREADS=") + asked : std::string());
+    name += ", " + std::to_string(std::thread::hardware_concurrency()) + " processors";
+    for (const char *setting : {"OMP_NUM_THREADS", "OMP_WAIT_POLICY"})
+        if (const char *const value = std::getenv(setting))
+            name += std::string(", ") + setting + "=" + value; // NOLINT: one thread runs here
+    return name;
 }
 
 } // namespace
@@ -126,14 +129,17 @@ std::string page_of(const std::vector<Section> &sections) {
     std::string text = "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">\n"
                        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>zeti: gallery</title>\n<style>";
     text += style;
-    text += "</style></head>\n<body>\n<header><h1>zeti: gallery</h1>\n<p>Every family of the library, run on photographs through the public C interface. "
-            "Each picture stands beside the calls that made it, as they were compiled, with the median speed of repeated calls in megapixels per "
+    text += "</style></head>\n<body>\n<header><h1>zeti: gallery</h1>\n<p>Every family of the library, run on photographs through the "
+            "public C interface. "
+            "Each picture stands beside the calls that made it, as they were compiled, with the median speed of repeated calls in "
+            "megapixels per "
             "second.</p>\n<p>";
     text += escaped(std::string(version->Name) + ", " + version->Version + ". " + machine()) + ".</p></header>\n<nav><div>";
     for (const Section &s : sections) text += "<a href=\"#" + s.operation + "\">" + s.operation + "</a>";
     text += "</div></nav>\n<main>\n";
     for (const Section &s : sections) {
-        text += "<section id=\"" + s.operation + "\"><h2>" + s.operation + "</h2>\n<p>" + escaped(s.brief) + "</p>\n<div class=\"shots\">\n";
+        text +=
+            "<section id=\"" + s.operation + "\"><h2>" + s.operation + "</h2>\n<p>" + escaped(s.brief) + "</p>\n<div class=\"shots\">\n";
         for (const Item &item : s.items) text += article(item);
         text += "</div></section>\n";
     }
