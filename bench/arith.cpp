@@ -19,7 +19,8 @@ template <class T> void scaled(const std::string& name, const std::string& suffi
         for (const int s : scales) row(name + suffix + "Sfs", "scale=" + std::to_string(s), arguments..., size, s);
 }
 
-template <class T> void rows(const std::string& operation, const std::string& type, int channels, Scales scales, Scales scalesInPlace = {}) {
+template <class T>
+void rows(const std::string& operation, const std::string& type, int channels, Scales scales, Scales scalesInPlace = {}) {
     const std::string layout = channels == 1 ? "C1" : channels == 3 ? "C3" : "AC4";
     const std::string name = operation + "_" + type + "_" + layout;
     const bool inPlace = scalesInPlace.size() > 0;

@@ -6,7 +6,9 @@ namespace {
 
 template <class T> void type(const std::string& type) {
     const Constants<T> constants = {{1, 2, 3, 4}};
-    const auto copy = [&](const std::string& layout, int from, int to) { row("Copy_" + type + "_" + layout, "", source<T>(from), destination<T>(to), size); };
+    const auto copy = [&](const std::string& layout, int from, int to) {
+        row("Copy_" + type + "_" + layout, "", source<T>(from), destination<T>(to), size);
+    };
     copy("C1R", 1, 1);
     copy("C3R", 3, 3);
     copy("AC4R", 4, 4);
@@ -31,7 +33,8 @@ const bool listed = [] {
     type<Zet32f>("32f");
     row("Dup_8u_C1C3R", "", source<Zet8u>(1), destination<Zet8u>(3), size);
     row("Dup_8u_C1C4R", "", source<Zet8u>(1), destination<Zet8u>(4), size);
-    for (const int flags : {0, 1}) row("CopyManaged_8u_C1R", "flags=" + std::to_string(flags), source<Zet8u>(1), destination<Zet8u>(1), size, flags);
+    for (const int flags : {0, 1})
+        row("CopyManaged_8u_C1R", "flags=" + std::to_string(flags), source<Zet8u>(1), destination<Zet8u>(1), size, flags);
     return true;
 }();
 

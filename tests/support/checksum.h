@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Checksums of many seeded calls, one per family, kept under version control in a checksums.txt beside the test. They are the same for every
-// thread count, compiler, optimisation level and machine width; a changed one is a changed result and wants a line in the changelog.
+// Checksums of many seeded calls, one per family, kept under version control in a checksums.txt beside the test. They are the same
+// for every thread count, compiler, optimisation level and machine width; a changed one is a changed result and wants a line in the changelog.
 #pragma once
 
 #include <filesystem>
@@ -10,14 +10,14 @@
 
 namespace test {
 
-class Checksum {
+class Checksum { // FNV-1a
 public:
     template <class T> void add(T v) {
         if constexpr (is_complex<T>) return add(v.re), add(v.im);
         else if (v != v) return add(0x7FC00000); // any NaN
         unsigned char bytes[sizeof v];
         std::memcpy(bytes, &v, sizeof v);
-        for (unsigned char b : bytes) value_ = (value_ ^ b) * 0x100000001B3; // FNV-1a
+        for (const unsigned char b : bytes) value_ = (value_ ^ b) * 0x100000001B3;
     }
     template <class T> void add(const Image<T>& image) {
         for (int y = 0; y < image.height; ++y)

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -18,7 +17,7 @@ static Entry entries[] = {
 };
 
 Entry& entry(const std::string& name, const std::type_info& type) {
-    Entry* found = std::lower_bound(std::begin(entries), std::end(entries), name, [](const Entry& e, const std::string& n) { return e.name < n; });
+    Entry* const found = std::lower_bound(std::begin(entries), std::end(entries), name, [](auto& e, auto& n) { return e.name < n; });
     const bool exists = found != std::end(entries) && found->name == name;
     if (exists && *found->type == type) return *found;
     std::fprintf(stderr, "%s is %s, not %s\n", name.c_str(), exists ? found->type->name() : "no exported name", type.name());
@@ -27,15 +26,14 @@ Entry& entry(const std::string& name, const std::type_info& type) {
 
 namespace {
 
-class Coverage : public testing::Environment {
-    const std::filesystem::path file = std::filesystem::path(ZETI_COVERED) / (std::string(program_invocation_short_name) + ".txt");
-    static bool whole_run() { return GTEST_FLAG_GET(filter) == "*"; }
+struct Coverage : testing::Environment { // of whole runs only
+    const std::filesystem::path folder = ZETI_COVERED, file = folder / (std::string(program_invocation_short_name) + ".txt");
     void SetUp() override {
-        if (whole_run()) std::filesystem::remove(file);
+        if (GTEST_FLAG_GET(filter) == "*") std::filesystem::remove(file);
     }
     void TearDown() override {
-        if (!whole_run()) return;
-        std::filesystem::create_directories(file.parent_path());
+        if (GTEST_FLAG_GET(filter) != "*") return;
+        std::filesystem::create_directories(folder);
         std::ofstream out(file);
         for (const Entry& e : entries)
             if (e.called) out << e.name << '\n';
