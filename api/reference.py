@@ -59,12 +59,13 @@ def link(status):
 
 # --- What a group of members has in common ---------------------------------------------------------------------------
 
-def general(text, member):
+FIXED = ("mask", "mask_out", "count", "float")  # kinds whose type does not follow the sample type
+
+
+def general(text, member, kind=""):
     """A declaration with T for the sample type (S and D where source and destination differ) and n for a count."""
-    if "Mask" in text:  # bytes for every sample type
-        return text
     for letter, token in zip("T" if len(member.types) == 1 else "SD", member.types):
-        text = re.sub(rf"\bZet{token}\b", f"Zet{letter}", text)
+        text = text if kind in FIXED else re.sub(rf"\bZet{token}\b", f"Zet{letter}", text)
     return re.sub(r"\[\d\]", "[n]", text)
 
 
@@ -72,7 +73,7 @@ def shapes(members):
     """The argument shapes: (suffix, result, parameters) -> their members."""
     found = {}
     for m in members:
-        parameters = tuple(general(a.declaration, m) for a in m.arguments)
+        parameters = tuple(general(a.declaration, m, a.kind) for a in m.arguments)
         found.setdefault((m.suffix, general(m.result, m), parameters or ("void",)), []).append(m)
     return found
 
@@ -106,10 +107,15 @@ KINDS = {  # kind -> what it is, unit, range
     "destination": ("destination image, at the first pixel of the region", "samples", "not null"),
     "both": ("image that is source and destination, at the first pixel of the region", "samples", "not null"),
     "mask": ("mask image, at the first pixel of the region; a byte that is not zero selects its pixel", "bytes", "not null"),
+    "mask_out": ("mask image that is written, at the first pixel of the region", "bytes", "not null"),
     "value": ("the constant", "sample", "any"),
     "values": ("the constants, one for each colour channel", "samples", "not null"),
     "sample": ("the constant alpha", "sample", "any"),
     "alpha_type": ("the operator, one of those below", "", "as checked"),
+    "count": ("the count", "bits", "any"),
+    "counts": ("the counts, one for each colour channel", "bits", "not null"),
+    "value_out": ("receives the result", "sample", "not null"),
+    "cmp_op": ("the operator: `zetCmpLess`, `zetCmpLessEq`, `zetCmpEq`, `zetCmpGreaterEq`, `zetCmpGreater`", "", "any"),
     "size": ("the region", "pixels", "width and height at least 1"),
     "scale": ("the result is multiplied by 2 to the power of minus this", "", "any"),
     "round_mode": ("how a quotient becomes an integer", "", "`zetRndZero`, `zetRndNear`, `zetRndFinancial`"),
@@ -151,7 +157,7 @@ def arguments(family, members):
     for m in members:
         previous = ""
         for a in m.arguments:
-            forms.setdefault((a.name, general(a.declaration, m)), (a, previous, []))[2].append(m.layout)
+            forms.setdefault((a.name, general(a.declaration, m, a.kind)), (a, previous, []))[2].append(m.layout)
             if a.kind != "step":
                 previous = a.name
     rows = []
@@ -175,7 +181,7 @@ def legend(members):
     lines = [f"{letters}, `L` a layout; the table shows which suffixes exist for each pair. Read `ZetT` as `Zet8u` for `8u`."]
     colours = {}
     for m in members:
-        if any(a.kind == "values" for a in m.arguments):
+        if any(a.kind in ("values", "counts") for a in m.arguments):
             colours.setdefault(COLOURS[split_layout(m.layout)[1]], []).append(m.layout)
     parts = [f"{n} on {' and '.join(unique(layouts))}" for n, layouts in colours.items()]
     if any("*const" in a.declaration for m in members for a in m.arguments):

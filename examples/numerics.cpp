@@ -54,6 +54,28 @@ void the_rule() {
     claim(mul16u(65535, 65535, 32) == 1 && mul16u(46341, 46340, 32) == 0, "Mul 16u, scale 32: 1 above 2^31, else 0");
 }
 
+void shifts_and_comparisons() {
+    const auto shift = [](auto call, auto src, Zet32u n) {
+        decltype(src) dst = 77;
+        call(&src, int{sizeof src}, n, &dst, int{sizeof dst}, ZetiSize{1, 1});
+        return dst;
+    };
+    claim(shift(zetiRShiftC_8s_C1R, Zet8s(-1), 9) == -1 && shift(zetiRShiftC_8s_C1R, Zet8s(5), 9) == 0, "RShiftC 8s by 9: -1 -> -1, 5 -> 0");
+    claim(shift(zetiLShiftC_8u_C1R, Zet8u(255), 8) == 0 && shift(zetiRShiftC_32s_C1R, Zet32s(-7), 0xFFFFFFFFu) == -1,
+          "LShiftC 8u by 8: 0; RShiftC 32s by 2^32 - 1: the sign");
+    const auto equal = [](Zet32f a, Zet32f b, Zet32f eps) {
+        Zet8u mask = 77;
+        zetiCompareEqualEps_32f_C1R(&a, 4, &b, 4, &mask, 1, ZetiSize{1, 1}, eps);
+        return mask;
+    };
+    constexpr Zet32f nan = std::numeric_limits<Zet32f>::quiet_NaN();
+    claim(equal(1, 1, 0) == 255 && equal(1, 1, -0.0f) == 255 && equal(nan, nan, inf) == 0 && equal(inf, inf, inf) == 0 && equal(1, 1, nan) == 0,
+          "CompareEqualEps: 1 and 1 within 0 and -0; neither two NaN nor two infinities within anything, nothing within NaN");
+    Zet32f zero = -0.0f;
+    zetiThreshold_32f_C1IR(&zero, 4, ZetiSize{1, 1}, 0.0f, zetCmpLess);
+    claim(same(zero, -0.0f), "Threshold 32f: -0 is not below 0");
+}
+
 void integer_quotients() {
     claim(div8(2, 7, 0) == 4 && div8(2, 5, 0) == 2 && div8(3, 7, -4) == 37, "Div 8u: 7/2 -> 4, 5/2 -> 2, 7/3 * 16 = 37.3 -> 37");
     claim(div8(0, 7, 0) == 255 && div8(0, 0, 0) == 0, "Div 8u by 0: 7 -> 255, 0 -> 0");
@@ -196,6 +218,7 @@ void overlaps() {
 
 int main() {
     the_rule();
+    shifts_and_comparisons();
     integer_quotients();
     roots_and_products();
     logarithms_and_exponentials();

@@ -20,8 +20,8 @@ template <class T> struct Logic {
         const std::string words[] = {"And", "Or", "Xor", "Not"};
         return words[static_cast<int>(op)] + (constant && op != Bits::Not ? "C" : "");
     }
-    std::string name() const { return "zeti" + family() + "_" + token<T>() + "_" + layout.name + (inPlace ? "IR" : "R"); }
-    std::string parameters() const { return "with " + std::to_string(constants[0]); }
+    std::string name() const { return std::string("zeti") + family() + "_" + token<T>() + "_" + layout.name + (inPlace ? "IR" : "R"); }
+    std::string parameters() const { return std::string("with ") + text(constants[0]); }
     std::vector<ZetStatus> order() const {
         if (!constant && layout.channels == layout.colours && layout.channels > 1) return {zetStsSizeErr, zetStsNullPtrErr, zetStsStepErr};
         return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr};
@@ -49,10 +49,10 @@ template <class T> struct Shift {
     Zet32u counts[4];
 
     std::string family() const { return left ? "LShiftC" : "RShiftC"; }
-    std::string name() const { return "zeti" + family() + "_" + token<T>() + "_" + layout.name + (inPlace ? "IR" : "R"); }
+    std::string name() const { return std::string("zeti") + family() + "_" + token<T>() + "_" + layout.name + (inPlace ? "IR" : "R"); }
     std::string parameters() const {
         std::string s = "by";
-        for (int c = 0; c < layout.colours; ++c) s += " " + std::to_string(counts[c]);
+        for (int c = 0; c < layout.colours; ++c) s += ' ', s += text(counts[c]);
         return s;
     }
     std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}; }
