@@ -34,7 +34,7 @@ TEST(Threads, ForkFromTheirBounds) {
         single.layout = "C1";
         const auto found = bounds.find(single.name());
         const ForkFrom from = found == bounds.end() || (f.constant && f.channels() > 1) ? ForkFrom{} : found->second;
-        std::vector<T> image(300 * 256 * 4), constants(4, f.op == Op::Add ? T{} : number<T>(3));
+        std::vector<T> image(300 * 256 * 4), constants(4, f.op == Op::Add ? T{} : number<T>(4));
         const auto asks = [&](int width, int height, int s) {
             const int step = f.channels() * width * static_cast<int>(sizeof(T));
             standin_set_threads(1);
@@ -44,7 +44,7 @@ TEST(Threads, ForkFromTheirBounds) {
         const struct { int s, bound; } paths[] = {{0, from.unscaled}, {1, from.half}, {2, from.down}, {7, from.down}, {-1, 0}, {-40, 0}};
         for (const auto& path : paths) {
             if (is_float<T> && path.s != 0) continue;
-            if (f.constant && f.op == Op::Add) constants.assign(4, number<T>(path.s == 0 ? 3 : 0)); // neither a copy nor, at -40, a fill
+            if (f.constant && f.op == Op::Add) constants.assign(4, number<T>(path.s == 0 ? 4 : 0)); // neither a copy nor, at -40, a fill
             for (const int pixels : {1, path.bound / 2 / f.channels(), (path.bound - 1) / f.channels()}) {
                 const int width = std::max(pixels, 1), height = path.bound - width * f.channels();
                 const std::string told = f.name() + ", scale " + std::to_string(path.s) + ", width " + std::to_string(width);
