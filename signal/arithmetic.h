@@ -29,7 +29,7 @@ template <class Op, class T> struct Unscaled : Unit<Op> {
 };
 
 template <class Op, class T> struct ScaledUp : Unit<Op> {
-    explicit ScaledUp(int s) : shift_(-s) {}
+    explicit ScaledUp(int s) : shift_(-std::max(s, -32)) {} // 32 bits are more than any lane keeps
     Vec<T> operator()(Vec<T> a, Vec<T> b) const { return shift_(Unscaled<Op, T>()(a, b)); }
 
 private:

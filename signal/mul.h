@@ -22,7 +22,9 @@ struct Mul {
         const auto x = widen<Zet8u>(a), y = widen<Zet8u>(b);
         return {x.low * y.low, x.high * y.high};
     }
-    static Pair2<Zet32s> wide(Vec<Zet16s> a, Vec<Zet16s> b) { return interleave<Zet16s>(a * b, multiply_high(a, b)); }
+    static Pair2<Zet32s> wide(Vec<Zet16s> a, Vec<Zet16s> b) { // low halves wrap: unsigned
+        return interleave<Zet16s>(as_lanes<Zet16s>(as_lanes<Zet16u>(a) * as_lanes<Zet16u>(b)), multiply_high(a, b));
+    }
     static Pair2<Zet32u> wide(Vec<Zet16u> a, Vec<Zet16u> b) { return interleave<Zet16u>(a * b, multiply_high(a, b)); }
 
 private:

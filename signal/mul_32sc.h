@@ -21,7 +21,7 @@ private:
 
     Zet32s scaled(int64_t v) const { // s < 64; from -32 down only the sign of v is left
         if (s_ > 0) return saturate<Zet32s>(round_shift(v, s_));
-        return saturate<Zet32s>(int64_t{saturate<Zet32s>(v)} * (int64_t{1} << std::min(-s_, 32)));
+        return saturate<Zet32s>(int64_t{saturate<Zet32s>(v)} * (int64_t{1} << -std::max(s_, -32)));
     }
 
     int s_;
