@@ -35,7 +35,8 @@ template <class T>
         const double v = scaled_exp(x, s) + 0.5;
         return v < max_of<T> ? static_cast<int>(v) : int{max_of<T>};
     };
-    const double zeros_to = static_cast<double>(s - 1) * ln2_high - 2; // no step before it
+    // No step before it. (From an int: of 64 bits the 32-bit machine would convert on its old float unit.)
+    const double zeros_to = (static_cast<double>(static_cast<int>(s)) - 1) * ln2_high - 2;
     int x = zeros_to < min_of<T> ? int{min_of<T>} : zeros_to > max_of<T> ? int{max_of<T>} : static_cast<int>(zeros_to);
     Stairs<T> stairs;
     int reached = result(x);
