@@ -24,7 +24,7 @@ Argument kinds
   sample                      one constant of the sample type by value, whatever the layout
   value_out                   a pointer to a sample that the function writes
   size, scale                 ZetiSize; the scale factor
-  round_mode, cmp_op, alpha_type   ZetRoundMode, ZetCmpOp, ZetAlphaType
+  round_mode, cmp_op, alpha_type, hint   ZetRoundMode, ZetCmpOp, ZetAlphaType, ZetHintAlgorithm
   int, float                  a plain number (flags, extents, tolerances)
   int_out                     a pointer to an integer that the function writes
   memory                      a plain pointer
@@ -42,7 +42,7 @@ CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P
 COLOURS = {**CHANNELS, "AC4": 3, "C3C": 1, "C4C": 1}
 # C types of the arguments that do not depend on the sample type.
 PLAIN = {"size": "ZetiSize ", "scale": "int ", "int": "int ", "float": "Zet32f ", "int_out": "int *", "memory": "void *",
-         "round_mode": "ZetRoundMode ", "cmp_op": "ZetCmpOp ", "alpha_type": "ZetAlphaType "}
+         "round_mode": "ZetRoundMode ", "cmp_op": "ZetCmpOp ", "hint": "ZetHintAlgorithm ", "alpha_type": "ZetAlphaType "}
 BY_VALUE = {"C1", "C3C", "C4C"}
 
 

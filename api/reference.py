@@ -111,6 +111,7 @@ KINDS = {  # kind -> what it is, unit, range
     "value": ("the constant", "sample", "any"),
     "values": ("the constants, one for each colour channel", "samples", "not null"),
     "sample": ("the constant alpha", "sample", "any"),
+    "hint": ("speed or accuracy: 2 takes the accurate path, any other value the fast one", "", "any"),
     "alpha_type": ("the operator, one of those below", "", "as checked"),
     "count": ("the count", "bits", "any"),
     "counts": ("the counts, one for each colour channel", "bits", "not null"),

@@ -13,7 +13,7 @@ list(TRANSFORM bindings PREPEND ${generated}/)
 
 file(GLOB sources CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/core/*.cpp ${PROJECT_SOURCE_DIR}/signal/*.cpp
-  ${PROJECT_SOURCE_DIR}/arith/*.cpp ${PROJECT_SOURCE_DIR}/move/*.cpp)
+  ${PROJECT_SOURCE_DIR}/arith/*.cpp ${PROJECT_SOURCE_DIR}/move/*.cpp ${PROJECT_SOURCE_DIR}/stats/*.cpp)
 
 add_library(zeti SHARED core/entry.S ${sources} ${bindings})
 add_library(zeti::zeti ALIAS zeti)

@@ -2,9 +2,19 @@
 // Image views: a base pointer and a row step in bytes. Nothing is assumed about the alignment of either.
 #pragma once
 
+#include <cstring>
+
 #include "core/base.h"
 
 namespace zeti {
+
+// One sample, wherever it lies: the caller's rows may start at any byte.
+template <class T> T get(const T* p) {
+    T value;
+    std::memcpy(&value, p, sizeof value);
+    return value;
+}
+template <class T> void put(T* p, const T& value) { std::memcpy(p, &value, sizeof value); }
 
 template <class T> struct Src {
     const T* pointer;

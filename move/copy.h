@@ -12,13 +12,13 @@ namespace detail {
 
 // One channel of a pixel to one channel of another.
 template <int From, int To, class T> void copy_channel(const T* src, T* dst, ptrdiff_t width) {
-    for (ptrdiff_t x = 0; x < width; ++x) dst[x * To] = src[x * From];
+    for (ptrdiff_t x = 0; x < width; ++x) put(dst + x * To, get(src + x * From));
 }
 
 // The colour samples of pixels that differ in what lies behind them.
 template <int From, int To, class T> void copy_colours(const T* src, T* dst, ptrdiff_t width) {
     for (ptrdiff_t x = 0; x < width; ++x)
-        for (int c = 0; c < 3; ++c) dst[x * To + c] = src[x * From + c];
+        for (int c = 0; c < 3; ++c) put(dst + x * To + c, get(src + x * From + c));
 }
 
 template <class L> struct CopyForm; // row(src, dst, width) for layouts that are no plain move of rows

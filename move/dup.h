@@ -16,7 +16,7 @@ template <class T, class L> ZetStatus dup(const T* pSrc, int srcStep, T* pDst, i
         const T* const from = src.row(y);
         T* const to = dst.row(y);
         for (ptrdiff_t x = 0; x < roiSize.width; ++x)
-            for (int c = 0; c < channels; ++c) to[x * channels + c] = from[x];
+            for (int c = 0; c < channels; ++c) put(to + x * channels + c, get(from + x));
     });
     return zetStsNoErr;
 }

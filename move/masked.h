@@ -3,12 +3,13 @@
 #pragma once
 
 #include "core/layout.h"
+#include "core/view.h"
 #include "signal/copy.h"
 
 namespace zeti {
 
 template <class T, class L> void copy_pixel(const T* src, T* dst) {
-    for (int c = 0; c < L::colours; ++c) dst[c] = src[c];
+    for (int c = 0; c < L::colours; ++c) put(dst + c, get(src + c));
 }
 
 // `source(x)` points at the pixel for column x, with at least 16 pixels behind it. The mask is read in blocks of 16: an

@@ -17,7 +17,7 @@ template <class T, class L> ZetStatus set(T value, T* pDst, int dstStep, ZetiSiz
     } else {
         each_row(samples(roiSize, 1), [&](ptrdiff_t y) {
             T* const to = dst.row(y);
-            for (ptrdiff_t x = 0; x < roiSize.width; ++x) to[x * L::channels] = value;
+            for (ptrdiff_t x = 0; x < roiSize.width; ++x) put(to + x * L::channels, value);
         });
     }
     return zetStsNoErr;

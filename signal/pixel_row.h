@@ -4,13 +4,14 @@
 #pragma once
 
 #include "core/layout.h"
+#include "core/view.h"
 
 namespace zeti {
 
 // First operand: a row, or one constant per colour channel.
 template <class T> struct SampleRow {
     const T* p;
-    T at(ptrdiff_t i, int) const { return p[i]; }
+    T at(ptrdiff_t i, int) const { return get(p + i); }
 };
 template <class T> struct SampleConstants {
     T value[4];
@@ -21,7 +22,7 @@ template <class L, class T, class A, class Op> void pixel_row(const A& a, const 
     for (ptrdiff_t x = 0; x < pixels; ++x)
         for (int c = 0; c < L::colours; ++c) {
             const ptrdiff_t i = x * L::channels + c;
-            dst[i] = op(a.at(i, c), b[i]);
+            put(dst + i, op(a.at(i, c), get(b + i)));
         }
 }
 

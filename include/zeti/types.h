@@ -100,6 +100,13 @@ typedef enum ZETI_INT_ENUM {
     zetAlphaPlusPremul = 11
 } ZetAlphaType;
 
+/* Speed or accuracy, where a function has a path for each: the value 2 takes the accurate one, any other the fast one. */
+typedef enum ZETI_INT_ENUM {
+    zetAlgHintNone = 0,
+    zetAlgHintFast = 1,
+    zetAlgHintAccurate = 2
+} ZetHintAlgorithm;
+
 /* A comparison of the first operand against the second. */
 typedef enum ZETI_INT_ENUM {
     zetCmpLess = 0,
