@@ -7,6 +7,7 @@
 #include "arith/scale_path.h"
 #include "signal/mul_32sc.h"
 #include "signal/pixel_row.h"
+#include "signal/scaled_constant.h"
 
 namespace zeti {
 
@@ -25,6 +26,10 @@ template <class Op, class T, class Use> void with_kernel(Path path, int s, [[may
     if constexpr (std::is_floating_point_v<R>) {
         use(Unscaled<K, R>());
     } else {
+        if constexpr (std::is_same_v<Op, Mul> && (std::is_same_v<T, Zet8u> || std::is_same_v<T, Zet16s>)) {
+            using Product = ScaledProductWithConstant<T>;
+            if (uniform && Product::takes(*uniform, s)) return use(Product(*uniform, s));
+        }
         switch (path) {
         case Path::unscaled:
             if constexpr (std::is_same_v<Op, Mul> && std::is_same_v<T, Zet8u>)
@@ -42,6 +47,11 @@ template <class Op, class T, class Use> void with_kernel(Path path, int s, [[may
     }
 }
 
+template <class Op, class T, class L, Form F> bool forks_at(Path path, Extent e) {
+    constexpr bool constants_of_pixel = (F == Form::constant || F == Form::constant_I) && L::channels > 1;
+    return forks<T> && !L::keeps_alpha && (constants_of_pixel || fork_from<Op, T, F>.at(path, e));
+}
+
 // All paths of two operands, the checks passed. `a` gives the first operand by rows. The call's own s decides about forking;
 // `computed` is the scale to compute with, which may be lower where the operand was reduced.
 template <class Op, class T, class L, Form F, class Operand>
@@ -50,8 +60,7 @@ void arithmetic(const Operand& a, Src<T> b, Dst<T> dst, ZetiSize roi, int s, int
     const Path path = std::is_floating_point_v<R> ? Path::unscaled : path_of(scale_range<Op, T>, s);
     if (path == Path::zero) return clear<T, L>(dst, roi);
     const Extent e = real_samples<T, L>(roi);
-    constexpr bool constants_of_pixel = (F == Form::constant || F == Form::constant_I) && L::channels > 1;
-    const bool fork = forks<T> && !L::keeps_alpha && (constants_of_pixel || fork_from<Op, T, F>.at(path, e));
+    const bool fork = forks_at<Op, T, L, F>(path, e);
     const Path kernelPath = computed == s ? path : path_of(scale_range<Op, T>, computed);
     with_kernel<Op, T>(kernelPath, computed, uniform, [&](auto kernel) { run_rows<Writes<T, L>>(a, as<R>(b), as<R>(dst), e, fork, kernel); });
 }
@@ -118,6 +127,22 @@ template <class Op, class T> Shortcut shortcut_of(T value, int s) {
     }
 }
 
+// The path `down` of sums and differences with constants.
+template <class Op, class T> bool sums_down(int s) {
+    return !std::is_same_v<Op, Mul> && path_of(scale_range<Op, T>, s) == Path::down && s < 8 * int{sizeof(T)};
+}
+template <class Op, class T, class L, Form F> void sum_down(Src<T> src, const T* values, Dst<T> dst, ZetiSize roi, int s) {
+    using Kernel = ScaledSumWithConstant<Op, T>;
+    T tie[L::colours], addend[L::colours], excess[L::colours];
+    for (int c = 0; c < L::colours; ++c) {
+        const typename Kernel::Constants of_channel(values[c], s);
+        tie[c] = of_channel.tie, addend[c] = of_channel.addend, excess[c] = of_channel.excess;
+    }
+    const Extent e = real_samples<T, L>(roi);
+    Kernel kernel(s);
+    run_rows<Writes<T, L>>(ConstantOperands<T, L, 3>(tie, addend, excess), src, dst, e, forks_at<Op, T, L, F>(Path::down, e), kernel);
+}
+
 template <class Op, class T, class L, Form F> void image_and_constant(Src<T> src, const T* values, Dst<T> dst, ZetiSize roi, int s) {
     using R = Real<T>;
     if constexpr (L::channels == 1) {
@@ -138,6 +163,8 @@ template <class Op, class T, class L, Form F> void image_and_constant(Src<T> src
         for (; computed > 0 && value % 2 == 0; --computed) value = static_cast<T>(value / 2); // the same products, exactly
         arithmetic<Op, T, L, F>(ConstantOperand<T, L>(&value), src, dst, roi, s, computed, &value);
     } else {
+        if constexpr (std::is_integral_v<T>)
+            if (sums_down<Op, T>(s)) return sum_down<Op, T, L, F>(src, values, dst, roi, s);
         arithmetic<Op, T, L, F>(ConstantOperand<T, L>(values), src, dst, roi, s, s);
     }
 }

@@ -29,6 +29,10 @@ constexpr Zet32f power_of_two(int n) { return std::bit_cast<Zet32f>((127 + n) <<
 
 // Logical shift of unsigned lanes. Bytes are shifted in pairs: their upper bits hold what crossed over and must be masked.
 template <class T> Vec<T> shifted(Vec<T> v, Count n) { return as_lanes<T>(shift_right<Zet16u>(as_lanes<Zet16u>(v), n)); }
+template <class T> Vec<T> unmixed(Vec<T> v, Vec<T> mask) {
+    if constexpr (sizeof(T) == 1) return v & mask;
+    else return v;
+}
 
 // Unsigned lanes of any value, 2 <= s <= bits of the lane. The average rounded up forms v + 2^(s-1) - 1 + bit s and its first
 // shift without a carry.
@@ -38,7 +42,7 @@ public:
         : s_(count_of(s)), less_(count_of(s - 1)), bit_(splat(T(s < bits ? 1 : 0))), bias_(splat(T((1u << (s - 1)) - 2))), mask_(splat(T(max_of<T> >> (s - 1)))) {}
     Vec<T> operator()(Vec<T> v) const {
         const Vec<T> odd = shifted<T>(v, s_) & bit_;
-        return shifted<T>(average_up(v, bias_ + odd), less_) & mask_;
+        return unmixed<T>(shifted<T>(average_up(v, bias_ + odd), less_), mask_);
     }
 
 private:
@@ -58,7 +62,7 @@ public:
     Vec<T> operator()(Vec<T> up, Vec<T> lost) const {
         const Vec<T> quotient = shifted<T>(up, n_), y = quotient & ~lost & bit_;
         if (s_is_2_) return (quotient & T(max_of<T> >> 1)) + (up & y); // up + y may leave the lane
-        return shifted<T>(average_up(up, bias_ + y), less_) & mask_;
+        return unmixed<T>(shifted<T>(average_up(up, bias_ + y), less_), mask_);
     }
 
 private:
