@@ -18,6 +18,16 @@ template <class Op, class T> struct LaneOp { using type = Op; };
 template <> struct LaneOp<Mul, Zet16sc> { using type = MulComplex16; };
 template <> struct LaneOp<Mul, Zet32fc> { using type = MulComplex32f; };
 
+// Calls use(kernel) with the first of the kernels that takes the constant at this scale; false where none does.
+template <class T, class... Kernel, class Use> bool with_first_of(T c, int s, Use use) {
+    return (... || (Kernel::takes(c, s) && (use(Kernel(c, s)), true)));
+}
+template <class T, class Use> bool with_product(T c, int s, Use use) {
+    if constexpr (std::is_same_v<T, Zet8u>) return with_first_of<T, ScaledProductWithConstant8u, ScaledProductWithFraction8u>(c, s, use);
+    else if constexpr (std::is_same_v<T, Zet16s>) return with_first_of<T, ScaledProductWithFraction16<T>, ScaledProductWithConstant16s>(c, s, use);
+    else return with_first_of<T, ScaledProductWithFraction16<T>>(c, s, use);
+}
+
 // Calls use(kernel) with the row kernel of the path. The choice is made once per call. `uniform`, if not null, is the value that
 // every sample of the first operand has.
 template <class Op, class T, class Use> void with_kernel(Path path, int s, [[maybe_unused]] const T* uniform, Use use) {
@@ -26,10 +36,8 @@ template <class Op, class T, class Use> void with_kernel(Path path, int s, [[may
     if constexpr (std::is_floating_point_v<R>) {
         use(Unscaled<K, R>());
     } else {
-        if constexpr (std::is_same_v<Op, Mul> && (std::is_same_v<T, Zet8u> || std::is_same_v<T, Zet16s>)) {
-            using Product = ScaledProductWithConstant<T>;
-            if (uniform && Product::takes(*uniform, s)) return use(Product(*uniform, s));
-        }
+        if constexpr (std::is_same_v<Op, Mul> && !is_complex<T>)
+            if (uniform && with_product<T>(*uniform, s, use)) return;
         switch (path) {
         case Path::unscaled:
             if constexpr (std::is_same_v<Op, Mul> && std::is_same_v<T, Zet8u>)

@@ -27,8 +27,16 @@ constexpr Zet32f power_of_two(int n) { return std::bit_cast<Zet32f>((127 + n) <<
 
 // --- Registers ----------------------------------------------------------------------------------------------------
 
-// Logical shift of unsigned lanes. Bytes are shifted in pairs: their upper bits hold what crossed over and must be masked.
-template <class T> Vec<T> shifted(Vec<T> v, Count n) { return as_lanes<T>(shift_right<Zet16u>(as_lanes<Zet16u>(v), n)); }
+// Logical shift of unsigned lanes by 1 to 16: as the upper half of a product, which is one operation where a shift by a variable
+// count is two. Bytes are shifted in pairs: their upper bits hold what crossed over and must be masked.
+template <class T> class Shifted {
+public:
+    explicit Shifted(int n) : factor_(splat(static_cast<Zet16u>(1u << (16 - (n < 1 ? 1 : n))))) {} // a user of 0 does not shift
+    Vec<T> operator()(Vec<T> v) const { return as_lanes<T>(multiply_high(as_lanes<Zet16u>(v), factor_)); }
+
+private:
+    Vec<Zet16u> factor_;
+};
 template <class T> Vec<T> unmixed(Vec<T> v, Vec<T> mask) {
     if constexpr (sizeof(T) == 1) return v & mask;
     else return v;
@@ -39,15 +47,15 @@ template <class T> Vec<T> unmixed(Vec<T> v, Vec<T> mask) {
 template <class T> class RoundUnsigned {
 public:
     explicit RoundUnsigned(int s)
-        : s_(count_of(s)), less_(count_of(s - 1)), bit_(splat(T(s < bits ? 1 : 0))), bias_(splat(T((1u << (s - 1)) - 2))), mask_(splat(T(max_of<T> >> (s - 1)))) {}
+        : whole_(s), less_(s - 1), bit_(splat(T(s < bits ? 1 : 0))), bias_(splat(T((1u << (s - 1)) - 2))), mask_(splat(T(max_of<T> >> (s - 1)))) {}
     Vec<T> operator()(Vec<T> v) const {
-        const Vec<T> odd = shifted<T>(v, s_) & bit_;
-        return unmixed<T>(shifted<T>(average_up(v, bias_ + odd), less_), mask_);
+        const Vec<T> odd = whole_(v) & bit_;
+        return unmixed<T>(less_(average_up(v, bias_ + odd)), mask_);
     }
 
 private:
     static constexpr int bits = 8 * sizeof(T);
-    Count s_, less_;
+    Shifted<T> whole_, less_;
     Vec<T> bit_, bias_, mask_;
 };
 
@@ -57,18 +65,18 @@ private:
 template <class T> class RoundAverage {
 public:
     explicit RoundAverage(int s)
-        : s_is_2_(s == 2), n_(count_of(s - 1)), less_(count_of(s - 2)), bit_(splat(T(s - 1 < bits ? 1 : 0))), bias_(splat(T((1u << (s - 2)) - 2))),
+        : s_is_2_(s == 2), n_(s - 1), less_(s - 2), bit_(splat(T(s - 1 < bits ? 1 : 0))), bias_(splat(T((1u << (s - 2)) - 2))),
           mask_(splat(T(max_of<T> >> (s - 2)))) {}
     Vec<T> operator()(Vec<T> up, Vec<T> lost) const {
-        const Vec<T> quotient = shifted<T>(up, n_), y = quotient & ~lost & bit_;
+        const Vec<T> quotient = n_(up), y = quotient & ~lost & bit_;
         if (s_is_2_) return (quotient & T(max_of<T> >> 1)) + (up & y); // up + y may leave the lane
-        return unmixed<T>(shifted<T>(average_up(up, bias_ + y), less_), mask_);
+        return unmixed<T>(less_(average_up(up, bias_ + y)), mask_);
     }
 
 private:
     static constexpr int bits = 8 * sizeof(T);
     bool s_is_2_;
-    Count n_, less_;
+    Shifted<T> n_, less_;
     Vec<T> bit_, bias_, mask_;
 };
 
@@ -93,15 +101,12 @@ template <class T> Vec<T> round_halved_once(Vec<T> f, Vec<T> odd) { return add_s
 // 32-bit lanes, 1 <= s <= 31, where v plus 2^(s-1) fits the lane.
 template <class W> class Round32 {
 public:
-    explicit Round32(int s) : s_(count_of(s)), bias_(splat(W((1u << (s - 1)) - 1))) {}
-    Vec<W> operator()(Vec<W> v) const {
-        const Vec<W> odd = shift_right<W>(v, s_) & W{1};
-        return shift_right<W>(v + bias_ + odd, s_);
-    }
+    explicit Round32(int s) : s_(count_of(s)), bit_(splat(W(1u << s))), bias_(splat(W((1u << (s - 1)) - 1))) {}
+    Vec<W> operator()(Vec<W> v) const { return shift_right<W>(v + bias_ - as_lanes<W>((v & bit_) == bit_), s_); }
 
 private:
     Count s_;
-    Vec<W> bias_;
+    Vec<W> bit_, bias_;
 };
 
 // --- Scaling up ---------------------------------------------------------------------------------------------------

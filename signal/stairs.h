@@ -22,6 +22,7 @@ template <class T> struct Stairs {
 // Stairs in registers. They outlive the kernels that refer to them.
 template <class T> class Steps {
     using S = std::make_signed_t<T>;
+    using U = std::make_unsigned_t<T>; // sums wrap
     static constexpr T bias = std::is_unsigned_v<T> ? T(max_of<T> / 2 + 1) : T{0}; // the comparison is one of signed lanes
 
 public:
@@ -33,9 +34,9 @@ public:
     }
     Vec<T> operator()(Vec<T> x) const {
         const Vec<S> compared = as_lanes<S>(x ^ bias);
-        Vec<T> y = base_;
-        for (int k = 0; k < count_; ++k) y += as_lanes<T>(compared > below_[k]) & rise_[k];
-        return y;
+        Vec<U> y = as_lanes<U>(base_);
+        for (int k = 0; k < count_; ++k) y += as_lanes<U>(compared > below_[k]) & as_lanes<U>(rise_[k]);
+        return as_lanes<T>(y);
     }
 
 private:

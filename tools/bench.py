@@ -15,13 +15,15 @@ import subprocess
 import sys
 
 # What is to be reached on one thread: operations, sizes, least ratio to memcpy. The first line that fits counts.
-PLAIN = r"_(8u|16s|32f)_C[134]I?R(Sfs/scale=[01])?/"
+SIZES = "/(256x256|1920x1080|4096x4096)"
 TARGETS = [
-    ("streaming", r"(Add|Sub|AddC|MulC|Copy|Set)" + PLAIN + "4096x4096", 0.9),
-    ("in cache", r"(Add|Sub|AddC|MulC|Copy|Set)" + PLAIN + "256x256", 0.7),
+    ("scaled in cache", r"(Add|Sub|AddC|SubC|MulC|Mul)_.*/scale=[1-9]/256x256", 0.4),
     ("Mul in cache", r"Mul_.*/256x256", 0.4),
-    ("positive scales in cache", r"(Add|Sub|AddC|SubC|MulC)_.*/scale=[1-9]/256x256", 0.4),
-    ("Div 32f", r"Div_32f_.*/(256x256|1920x1080|4096x4096)", 0.3),
+    ("streaming", r"(Add|Sub|AddC|MulC|Copy|Set)_(8u|16s|32f)_C[134]I?R(Sfs/scale=[01])?/4096x4096", 0.9),
+    ("in cache", r"(Add|Sub|AddC|MulC|Copy|Set)_(8u|16s|32f)_C[134]I?R(Sfs/scale=0)?/256x256", 0.7),
+    ("Div 32f", "Div_32f_.*" + SIZES, 0.3),
+    ("logic, thresholds, comparisons, Abs streaming", r"(And|Or|Xor|Not|Complement|LShift|RShift|Threshold|Compare|Abs).*/4096x4096", 0.9),
+    ("logic, thresholds, comparisons, Abs in cache", r"(And|Or|Xor|Not|Complement|LShift|RShift|Threshold|Compare|Abs).*/256x256", 0.7),
 ]
 
 

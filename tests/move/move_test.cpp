@@ -174,7 +174,7 @@ TEST(Move, EveryMemberAtEveryWidth) {
             if (!check(f, r, {width, height}, contiguous, flags, &sums[f.family])) return;
         }
     });
-    for (const auto& [family, sum] : sums) EXPECT_TRUE(sum.is_known(__FILE__, family));
+    for (const auto& [family, sum] : sums) EXPECT_TRUE(sum.is_known(family));
 }
 
 // Bytes of a region about which copies begin to stream, and planes to mind alignments.
