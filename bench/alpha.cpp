@@ -50,22 +50,29 @@ const bool listed = [] {
             const auto f = reinterpret_cast<decltype(&zetiAlphaPremul_8u_AC4R)>(member("zetiAlphaPremul_8u_AC4R"));
             return [=](int calls) { while (calls-- > 0) f(a, aStep, d, dStep, roi); };
         });
+        onto("MulScale_8u_C4R/ours", alpha, [](const Zet8u* a, int aStep, Zet8u* d, int dStep, ZetiSize roi) {
+            const auto f = reinterpret_cast<decltype(&zetiMulScale_8u_C4R)>(member("zetiMulScale_8u_C4R"));
+            return [=](int calls) { while (calls-- > 0) f(a, aStep, a, aStep, d, dStep, roi); };
+        });
 #ifdef ZETI_BENCH_PIXMAN
-        const auto by_pixman = [&](const char* name, pixman_op_t op, pixman_format_code_t format, bool masked) {
+        enum class By { nothing, alpha, component };
+        const auto by_pixman = [&](const char* name, pixman_op_t op, pixman_format_code_t format, By masked) {
             onto(name, alpha, [=](const Zet8u* a, int aStep, Zet8u* d, int dStep, ZetiSize roi) {
                 const auto image = [&](pixman_format_code_t f, const Zet8u* p, int step) {
                     auto* const bits = reinterpret_cast<uint32_t*>(const_cast<Zet8u*>(p));
                     return std::shared_ptr<pixman_image_t>(pixman_image_create_bits(f, roi.width, roi.height, bits, step), pixman_image_unref);
                 };
                 const auto source = image(format, a, aStep), mask = image(PIXMAN_a8r8g8b8, a, aStep), to = image(PIXMAN_a8r8g8b8, d, dStep);
+                pixman_image_set_component_alpha(mask.get(), masked == By::component);
                 return [=](int calls) {
                     while (calls-- > 0)
-                        pixman_image_composite32(op, source.get(), masked ? mask.get() : nullptr, to.get(), 0, 0, 0, 0, 0, 0, roi.width, roi.height);
+                        pixman_image_composite32(op, source.get(), masked == By::nothing ? nullptr : mask.get(), to.get(), 0, 0, 0, 0, 0, 0, roi.width, roi.height);
                 };
             });
         };
-        by_pixman("AlphaComp_8u_AC4R/OverPremul/by pixman", PIXMAN_OP_OVER, PIXMAN_a8r8g8b8, false);
-        by_pixman("AlphaPremul_8u_AC4R/by pixman", PIXMAN_OP_SRC, PIXMAN_x8r8g8b8, true);
+        by_pixman("AlphaComp_8u_AC4R/OverPremul/by pixman", PIXMAN_OP_OVER, PIXMAN_a8r8g8b8, By::nothing);
+        by_pixman("AlphaPremul_8u_AC4R/by pixman", PIXMAN_OP_SRC, PIXMAN_x8r8g8b8, By::alpha);
+        by_pixman("MulScale_8u_C4R/by pixman", PIXMAN_OP_SRC, PIXMAN_a8r8g8b8, By::component);
 #endif
     }
     const auto each_type = [](auto use) { use(Zet8u{}, std::string("8u")), use(Zet16u{}, std::string("16u")); };

@@ -7,21 +7,26 @@
 namespace bench {
 namespace {
 
-void loop_over(const std::string& name, float (*f)(float)) {
-    const auto prepare = [f](Arena& arena) -> std::function<void(int)> {
-        const auto [src, srcStep] = Image<Zet32f, 1>{1}.bind(arena);
-        const auto [dst, dstStep] = Image<Zet32f, 1>{1}.bind(arena);
-        const ZetiSize roi = arena.size;
-        const ptrdiff_t stride = srcStep / ptrdiff_t{sizeof(Zet32f)}; // the two images are alike
-        for (ptrdiff_t i = 0; i < stride * roi.height; ++i)
-            src[i] = 0.01f * static_cast<float>(1 + i % 2000); // 1 alone is a case of its own
-        return [=, source = src, destination = dst](int calls) {
-            for (int call = 0; call < calls; ++call)
-                for (int y = 0; y < roi.height; ++y)
-                    for (int x = 0; x < roi.width; ++x) destination[y * stride + x] = f(source[y * stride + x]);
-        };
-    };
-    add({name, 2 * int{sizeof(Zet32f)}, 2 * int{sizeof(Zet32f)}, prepare});
+// transform(source, step, destination, step, size), on samples from 0.01 to 20.
+template <class Transform> void on_floats(const std::string& name, Transform transform) {
+    add({name, 2 * int{sizeof(Zet32f)}, 2 * int{sizeof(Zet32f)}, [=](Arena& arena) -> std::function<void(int)> {
+             const auto [src, srcStep] = Image<Zet32f, 1>{1}.bind(arena);
+             const auto [dst, dstStep] = Image<Zet32f, 1>{1}.bind(arena);
+             const ZetiSize roi = arena.size;
+             for (size_t i = 0; i < size_t(srcStep) / sizeof(Zet32f) * roi.height; ++i) src[i] = 0.01f * static_cast<float>(1 + i % 2000);
+             return [=, s = src, sStep = srcStep, d = dst, dStep = dstStep](int calls) {
+                 while (calls-- > 0) transform(s, sStep, d, dStep, roi);
+             };
+         }});
+}
+
+void beside_c_library(const std::string& name, float (*f)(float)) {
+    on_floats(name + "/ours", reinterpret_cast<decltype(&zetiLn_32f_C1R)>(member("zeti" + name)));
+    on_floats(name + "/by the C library", [f](const Zet32f* src, int srcStep, Zet32f* dst, int dstStep, ZetiSize roi) {
+        for (int y = 0; y < roi.height; ++y)
+            for (int x = 0; x < roi.width; ++x)
+                dst[y * (dstStep / int{sizeof *dst}) + x] = f(src[y * (srcStep / int{sizeof *src}) + x]);
+    });
 }
 
 template <class T> void rows(const std::string& operation, const std::string& type, std::initializer_list<int> scales) {
@@ -35,11 +40,10 @@ const bool listed = [] {
         rows<Zet8u>(name, "8u", {0, 2, -4});
         rows<Zet16u>(name, "16u", {0, 2, -8});
         rows<Zet16s>(name, "16s", {0, 2, -8});
-        row(name + "_32f_C1R", "", source<Zet32f>(1), destination<Zet32f>(1), size);
         row(name + "_32f_C3R", "", source<Zet32f>(3), destination<Zet32f>(3), size);
     }
-    loop_over("logf", std::log);
-    loop_over("expf", std::exp);
+    beside_c_library("Ln_32f_C1R", std::log);
+    beside_c_library("Exp_32f_C1R", std::exp);
     return true;
 }();
 

@@ -27,6 +27,21 @@ TARGETS = [
 ]
 
 
+# Rows ".../ours..." stand beside rows ".../by somebody...": least ratio of the speeds.
+BESIDE = [(r"(AlphaComp|AlphaPremul|MulScale)_", 1), (r"(Ln|Exp)_", 4)]
+
+
+def beside(rows):
+    """Our row, the other one, how much faster ours is, and the target."""
+    for other in rows:
+        if match := re.search(r"/(by [^/]*)", other["name"]):
+            ours = next((r for r in rows if r["name"] == other["name"].replace(match[1], "ours")), None)
+            held = (least for pattern, least in BESIDE if re.match(pattern, other["name"]))
+            least = next(held, None) if other["size"] != "8x8" else None # that is the cost of the call
+            if ours:
+                yield ours["name"], match[1][3:], other["ns_per_call"] / ours["ns_per_call"], least
+
+
 def target_of(name):
     return next((least for _, pattern, least in TARGETS if re.fullmatch(pattern, name)), None)
 
@@ -83,7 +98,9 @@ def main():
 
     if options.targets:
         for what, pattern, least in TARGETS:
-            print(f"{least:.1f} of memcpy  {what:<26}{pattern}")
+            print(f"{least:.1f} of memcpy  {what:<48}{pattern}")
+        for pattern, least in BESIDE:
+            print(f"{least} times as fast as the row beside it  {pattern}")
         return 0
 
     command = [options.program, f"--threads={options.threads}", f"--benchmark_filter={options.filter}", "--benchmark_format=json",
@@ -106,6 +123,8 @@ def main():
         print(f"{key + ':':<10}{value}")
     print()
     print_table(rows)
+    for name, other, factor, least in beside(rows):
+        print(f"{name}: {factor:.2f} times as fast as {other}{f', below {least}' if least and round(factor, 2) < least else ''}")
     missed = sum(misses(row) for row in rows)
     held = sum(row["target"] is not None for row in rows) - missed
     print(f"\n{len(rows)} rows; of those with a target {held} reach it, {missed} do not")
