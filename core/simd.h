@@ -262,5 +262,6 @@ inline Vec<Zet8u> look_up(const Zet8u* table, Vec<Zet8u> index) {
 
 inline void store_streaming(void* aligned, __m128i v) { _mm_stream_si128(static_cast<__m128i*>(aligned), v); }
 inline void streaming_fence() { _mm_sfence(); }
+inline void prefetch(const void* p) { _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T0); } // of any address
 
 } // namespace zeti

@@ -16,8 +16,10 @@ inline void owniCopy_8u_C1(const Zet8u* src, Zet8u* dst, ptrdiff_t n, Cache cach
             store_bytes(dst, load_bytes(src, peel), peel);
             i = peel;
         }
+        constexpr ptrdiff_t ahead = 4096; // streaming copies wait for their source otherwise
         const auto round = [&](auto store_aligned) __attribute__((always_inline)) {
             for (; i <= n - 64; i += 64) {
+                if (cache == Cache::streaming) prefetch(src + i + ahead);
                 const auto a = load(src + i), b = load(src + i + 16), c = load(src + i + 32), d = load(src + i + 48);
                 store_aligned(dst + i, a), store_aligned(dst + i + 16, b);
                 store_aligned(dst + i + 32, c), store_aligned(dst + i + 48, d);

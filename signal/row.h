@@ -41,6 +41,8 @@ template <class T> struct RowOperand {
     Vec<T> part(ptrdiff_t i, int, int n) const { return load(p + i, n); }
     template <int n> Vec<T> unit(ptrdiff_t i) const { return detail::load_unit<n>(p + i); }
     RowOperand from(ptrdiff_t i) const { return {p + i}; }
+    void advance(ptrdiff_t n) { p += n; }
+    void prefetch(ptrdiff_t i) const { zeti::prefetch(p + i); }
     bool written_ahead_by(const T* dst, ptrdiff_t n) const { return dst > p && dst < p + n; }
 };
 
@@ -57,6 +59,8 @@ template <class T, int Period> struct Pattern {
     Vec<T> part(ptrdiff_t i, int phase, int) const { return whole(i, phase); }
     template <int> Vec<T> unit(ptrdiff_t i) const { return load(samples + i % count); }
     Pattern from(ptrdiff_t i) const { return i % count == 0 ? *this : Pattern(samples + i % count, count); }
+    static void advance(ptrdiff_t) {} // by whole patterns
+    static void prefetch(ptrdiff_t) {}
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
 };
 
@@ -83,6 +87,12 @@ template <class T, class Operand, int N> struct Operands {
         for (auto& o : shifted.operand) o = o.from(i);
         return shifted;
     }
+    void advance(ptrdiff_t n) {
+        for (auto& o : operand) o.advance(n);
+    }
+    void prefetch(ptrdiff_t i) const {
+        for (const auto& o : operand) o.prefetch(i);
+    }
     bool written_ahead_by(const T* dst, ptrdiff_t n) const {
         bool any = false;
         for (const auto& o : operand) any |= o.written_ahead_by(dst, n);
@@ -106,6 +116,8 @@ template <class T> struct NoOperand {
     Vec<T> part(ptrdiff_t, int, int) const { return Vec<T>{}; }
     template <int> Vec<T> unit(ptrdiff_t) const { return Vec<T>{}; }
     NoOperand from(ptrdiff_t) const { return {}; }
+    static void advance(ptrdiff_t) {}
+    static void prefetch(ptrdiff_t) {}
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
 };
 
@@ -225,23 +237,29 @@ template <class Writes, class T, class A, class Op>
     if constexpr (requires { op.saw_zero(); } || requires { op.status(); }) kernel = op; // what it saw; others are shared by threads
 }
 
-// The same row when the whole destination is too large to stay in a cache: results are made a few kilobytes at a time
-// and leave by streaming stores, so that the destination is not read first.
+// The same row when the whole destination is too large to stay in a cache: results are made a few cache lines at a time and leave by
+// streaming stores, so that the destination is not read first. So few that the next ones are computed while these leave, and the
+// sources are asked for ahead of time, as the processor does not do it by itself across such rounds.
 template <class T, class A, class Op> void streaming_row(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op) {
-    constexpr ptrdiff_t chunk = 48 * 64 / ptrdiff_t{sizeof(T)}; // whole cache lines and whole patterns
+    constexpr ptrdiff_t line = 64 / ptrdiff_t{sizeof(T)}, chunk = 6 * line, ahead = chunk + 64 * line; // chunks are whole patterns
+    constexpr bool reads_b = !leaves_row_unread<Op, A>;
     alignas(64) T buffer[chunk];
     const ptrdiff_t misaligned = static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % 64);
-    const bool overlaps = (!leaves_row_unread<Op, A> && b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
+    const bool overlaps = (reads_b && b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
     if (overlaps || misaligned % ptrdiff_t{detail::unit_of<Op>() * sizeof(T)} != 0) return row<WriteAll<T>>(a, b, dst, n, op);
     const ptrdiff_t head = std::min(n, (64 - misaligned) % 64 / ptrdiff_t{sizeof(T)});
     if (detail::in_registers_of_row<Op> && head % lanes<T> != 0) return row<WriteAll<T>>(a, b, dst, n, op);
     if (head > 0) row<WriteAll<T>>(a, b, dst, head, op);
-    const A rest = a.from(head);
-    const ptrdiff_t last = head + (n - head) / lanes<T> * lanes<T>;
-    for (ptrdiff_t i = head; i < last; i += chunk) {
+    const ptrdiff_t last = head + (n - head) / line * line;
+    A at = a.from(head);
+    for (ptrdiff_t i = head; i < last; i += chunk, at.advance(chunk)) {
         const ptrdiff_t count = std::min(chunk, last - i);
-        row<WriteAll<T>>(A(rest.from(i - head)), b + i, buffer, count, op);
-        for (ptrdiff_t k = 0; k < count; k += lanes<T>) store_streaming(dst + i + k, raw(load(buffer + k)));
+        row<WriteAll<T>>(at, b + i, buffer, count, op);
+        for (ptrdiff_t k = 0; k < count; k += line) {
+            at.prefetch(k + ahead);
+            if (reads_b) prefetch(b + i + k + ahead);
+            for (ptrdiff_t m = k; m < k + line; m += lanes<T>) store_streaming(dst + i + m, raw(load(buffer + m)));
+        }
     }
     if (last < n) row<WriteAll<T>>(A(a.from(last)), b + last, dst + last, n - last, op);
 }
