@@ -32,6 +32,7 @@ SUFFIXES = {
     "I": "in place: the destination is also a source, `pSrcDst`",
     "M": "only pixels whose mask byte is not zero are written",
     "R": "works on a region, `roiSize`",
+    "s": "negative values become 0 in an unsigned type",
     "Sfs": "the result is scaled by 2 to the power of minus `scaleFactor`, rounded and saturated",
 }
 
@@ -59,7 +60,7 @@ def link(status):
 
 # --- What a group of members has in common ---------------------------------------------------------------------------
 
-FIXED = ("mask", "mask_out", "count", "float")  # kinds whose type does not follow the sample type
+FIXED = ("mask", "mask_out", "bits", "count", "float")  # kinds whose type does not follow the sample type
 
 
 def general(text, member, kind=""):
@@ -107,6 +108,7 @@ KINDS = {  # kind -> what it is, unit, range
     "destination": ("destination image, at the first pixel of the region", "samples", "not null"),
     "both": ("image that is source and destination, at the first pixel of the region", "samples", "not null"),
     "mask": ("mask image, at the first pixel of the region; a byte that is not zero selects its pixel", "bytes", "not null"),
+    "bits": ("source image of packed bits, at the byte from which the offset counts; the most significant bit first", "bytes", "not null"),
     "mask_out": ("mask image that is written, at the first pixel of the region", "bytes", "not null"),
     "value": ("the constant", "sample", "any"),
     "values": ("the constants, one for each colour channel", "samples", "not null"),
