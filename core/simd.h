@@ -195,6 +195,11 @@ inline Vec<Zet8u> narrow_to_8u(Vec<Zet16u> low, Vec<Zet16u> high) { return as_la
 inline Vec<Zet8s> narrow_to_8s(Vec<Zet16s> low, Vec<Zet16s> high) { return as_lanes<Zet8s>(_mm_packs_epi16(raw(low), raw(high))); }
 inline Vec<Zet16s> narrow_to_16s(Vec<Zet32s> low, Vec<Zet32s> high) { return as_lanes<Zet16s>(_mm_packs_epi32(raw(low), raw(high))); }
 
+// Unsigned 16-bit lanes to 8u, saturating: those with the top bit set read as negative.
+inline Vec<Zet8u> narrow_16u_to_8u(Vec<Zet16u> low, Vec<Zet16u> high) {
+    return narrow_to_8u(low, high) | as_lanes<Zet8u>(narrow_to_8s(as_lanes<Zet16s>(low), as_lanes<Zet16s>(high)) < 0);
+}
+
 // Signed 32-bit lanes to 16u, saturating; lanes must be at least -2^31 + 32768.
 inline Vec<Zet16u> narrow_to_16u(Vec<Zet32s> low, Vec<Zet32s> high) {
     return as_lanes<Zet16u>(narrow_to_16s(low - 32768, high - 32768)) ^ Zet16u{0x8000};

@@ -56,11 +56,13 @@ template <class D, class S, int N> auto converted(const Registers<S, N>& g) {
         else return converted<D>(converted<Zet32s>(g));
     } else if constexpr (fromSigned && !toSigned && sizeof(D) >= sizeof(S)) {
         return converted<D>(each<AsUnsigned<S>>(g, [](Vec<S> v) { return max<S>(v, Vec<S>{}); }));
+    } else if constexpr (std::is_same_v<S, Zet16u> && std::is_same_v<D, Zet8u>) {
+        return narrowed<D>(g, narrow_16u_to_8u);
     } else if constexpr (!fromSigned && sizeof(D) <= sizeof(S)) {
         return converted<D>(each<AsSigned<S>>(g, within_signed<S>));
     } else if constexpr (sizeof(D) > sizeof(S)) {
         using W = Wider<S>; // unsigned lanes fit the signed ones that are twice as wide
-        if constexpr (toSigned) return converted<D>(widened<AsSigned<W>>(g));
+        if constexpr (toSigned && sizeof(W) == sizeof(D)) return widened<D>(g);
         else return converted<D>(widened<W>(g));
     } else if constexpr (std::is_same_v<D, Zet16u>) {
         return narrowed<D>(g, [](Vec<S> low, Vec<S> high) { return narrow_to_16u(max<S>(low, Vec<S>{}), max<S>(high, Vec<S>{})); });
@@ -128,8 +130,8 @@ struct Unscaled32f {
     Vec<Zet32f> operator()(Vec<Zet32f> v) const { return v; }
 };
 
-// Scaled, cut to the destination's range, rounded. NaN gives the least value of the type, as minus infinity does: it passes the upper
-// bound as it is, and what is no integer of 32 bits becomes -2^31, which saturates.
+// Scaled, cut to the destination's range, rounded. NaN gives the least value of the type, as minus infinity does: it passes an upper
+// bound as it is, a lower bound of 0 makes it 0, and what is no integer of 32 bits becomes -2^31, which saturates.
 template <class D, class Rounding, class Scale> struct ConvertFloat {
     using source = Zet32f;
     using destination = D;
@@ -140,6 +142,7 @@ template <class D, class Rounding, class Scale> struct ConvertFloat {
     auto operator()(const auto& g) const {
         const auto rounded = [&](Vec<Zet32f> v) { return to_integer(scale(v)); };
         if constexpr (sizeof(D) == 4) return detail::each<D>(g, rounded);
+        else if constexpr (std::is_same_v<D, Zet16u>) return detail::narrowed<D>(detail::each<Zet32s>(g, rounded), narrow_to_16u);
         else return converted<D>(detail::each<Zet32s>(g, rounded));
     }
 
@@ -147,7 +150,8 @@ private:
     static Vec<Zet32s> to_integer(Vec<Zet32f> v) {
         const Vec<Zet32f> half = splat(0x1p31f), full = splat(0x1p32f);
         if constexpr (sizeof(D) < 4) {
-            return Rounding::to_integer(min<Zet32f>(splat(Zet32f{max_of<D>}), v));
+            const Vec<Zet32f> below = min<Zet32f>(splat(Zet32f{max_of<D>}), v);
+            return Rounding::to_integer(std::is_same_v<D, Zet16u> ? max<Zet32f>(below, Vec<Zet32f>{}) : below);
         } else if constexpr (std::is_signed_v<D>) {
             return Rounding::to_integer(v) ^ as_lanes<Zet32s>(v >= half); // -2^31 becomes 2^31 - 1
         } else { // from 2^31 on floats are integers: 2^31 goes through bit 31

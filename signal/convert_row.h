@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The row walker of conversions: samples of one type to as many samples of another.
 //
-// A kernel names its types, `source` and `destination`, and takes and gives a block: a register of the smaller samples, and the registers
-// that as many of the larger ones fill. It is the only definition of its arithmetic: the ends of a row go through it as a block of which
-// the rest is zero.
+// A kernel names its types, `source` and `destination`, and takes and gives a block: 16 samples, in as many registers as they fill. It is
+// the only definition of its arithmetic: the ends of a row go through it as a block of which the rest is zero.
 #pragma once
 
 #include "signal/copy.h"
@@ -14,8 +13,8 @@ namespace zeti {
 template <class Kernel> using SourceOf = typename Kernel::source;
 template <class Kernel> using DestinationOf = typename Kernel::destination;
 
-// Samples in a block.
-template <class Kernel> inline constexpr int block = std::max(lanes<SourceOf<Kernel>>, lanes<DestinationOf<Kernel>>);
+inline constexpr int block = lanes<Zet8u>; // samples: whole registers of every type
+template <class T> using Block = Registers<T, block / lanes<T>>;
 
 namespace detail {
 
@@ -24,10 +23,10 @@ template <class Writes, Cache cache, class Kernel>
 [[gnu::always_inline]] inline void convert_block(const SourceOf<Kernel>* src, DestinationOf<Kernel>* dst, const Kernel& kernel) {
     using S = SourceOf<Kernel>;
     using D = DestinationOf<Kernel>;
-    Registers<S, block<Kernel> / lanes<S>> from;
-    for (int k = 0; k < block<Kernel> / lanes<S>; ++k) from.v[k] = load(src + k * lanes<S>);
-    const Registers<D, block<Kernel> / lanes<D>> to = kernel(from);
-    for (int k = 0; k < block<Kernel> / lanes<D>; ++k) {
+    Block<S> from;
+    for (int k = 0; k < block / lanes<S>; ++k) from.v[k] = load(src + k * lanes<S>);
+    const Block<D> to = kernel(from);
+    for (int k = 0; k < block / lanes<D>; ++k) {
         D* const p = dst + k * lanes<D>;
         if constexpr (cache == Cache::streaming) store_streaming(p, raw(to[k]));
         else store(p, Writes::merge(to[k], load(p), 0));
@@ -37,8 +36,8 @@ template <class Writes, Cache cache, class Kernel>
 // n samples, fewer than a block.
 template <class Writes, class Kernel>
 [[gnu::noinline]] void convert_part(const SourceOf<Kernel>* src, DestinationOf<Kernel>* dst, ptrdiff_t n, const Kernel& kernel) {
-    alignas(register_bytes) SourceOf<Kernel> from[block<Kernel>] = {};
-    alignas(register_bytes) DestinationOf<Kernel> to[block<Kernel>] = {};
+    alignas(register_bytes) SourceOf<Kernel> from[block] = {};
+    alignas(register_bytes) DestinationOf<Kernel> to[block] = {};
     std::memcpy(from, src, static_cast<size_t>(n) * sizeof *from);
     if (!std::is_same_v<Writes, WriteAll<DestinationOf<Kernel>>>) std::memcpy(to, dst, static_cast<size_t>(n) * sizeof *to);
     convert_block<Writes, Cache::plain>(from, to, kernel);
@@ -61,8 +60,7 @@ template <class Writes, Cache cache, class Kernel>
         i = std::min<ptrdiff_t>(n, peel / int{sizeof(D)});
         if (i > 0) detail::convert_part<Writes>(src, dst, i, kernel);
     }
-#pragma GCC unroll 2
-    for (; i <= n - block<Kernel>; i += block<Kernel>) detail::convert_block<Writes, cache>(src + i, dst + i, op);
+    for (; i <= n - block; i += block) detail::convert_block<Writes, cache>(src + i, dst + i, op);
     if (i < n) detail::convert_part<Writes>(src + i, dst + i, n - i, kernel);
 }
 

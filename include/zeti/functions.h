@@ -1374,7 +1374,7 @@ ZETI_API ZetStatus zetiDup_8u_C1C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst,
 /* CopyManaged. Copies pixels with a choice of cache use. */
 ZETI_API ZetStatus zetiCopyManaged_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int flags);
 
-/* Convert. Changes the sample type and keeps the value. */
+/* Convert. Changes the sample type and keeps the value: dst = src * 2^-scaleFactor, rounded and saturated. */
 ZETI_API ZetStatus zetiConvert_8u16s_C1R(const Zet8u *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiConvert_8u16s_C3R(const Zet8u *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
 ZETI_API ZetStatus zetiConvert_8u16s_C4R(const Zet8u *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
