@@ -2,7 +2,8 @@
 """The list of members: reads api/*.toml and multiplies every family out into its members.
 
 Vocabulary of the TOML files
-  [members.NAME]      a list of {types, layouts, suffixes}: the product of the three is the set of members
+  [members.NAME]      a list of {types, layouts, suffixes}: the product of the three is the set of members; an entry may have
+                      arguments and a template of its own
   [arguments.NAME]    suffix -> list of arguments "kind name [step]"; Sfs appends the scale factor by itself
   [notes.NAME]        text shared by the reference pages of several families
   [[family]]          operation, members, arguments, template, header, returns (ZetStatus if not given) and the texts of
@@ -19,6 +20,7 @@ Texts of a reference page, all of them Markdown and none but `brief` required
 Argument kinds
   source, destination, both   an image (pointer and step); planar layouts take an array of plane pointers
   mask, mask_out              an image of Zet8u that is read; one that is written, one byte per pixel
+  bits                        an image of packed bits that is read; the types token names it 1u
   value                       one constant by value on C1, C3C and C4C, else a pointer to one per colour channel
   count                       likewise, of Zet32u whatever the sample type
   sample                      one constant of the sample type by value, whatever the layout
@@ -113,7 +115,7 @@ def _declare(text, types, layout):
         declaration = image(source_type, source, "const ")
     elif kind in ("destination", "both"):
         declaration = image(destination_type, destination, "")
-    elif kind == "mask":
+    elif kind in ("mask", "bits"):
         declaration = f"const Zet8u *{name}"
     elif kind == "mask_out":
         declaration = f"Zet8u *{name}"
@@ -139,19 +141,20 @@ def _expand(family, members, shapes):
         for type_token in group["types"].split() or [""]:
             for layout in group["layouts"].split() or [""]:
                 for suffix in group["suffixes"].split() or [""]:
-                    yield _member(family, shapes, type_token, layout, suffix)
+                    yield _member(family, group, shapes, type_token, layout, suffix)
 
 
-def _member(family, shapes, type_token, layout, suffix):
+def _member(family, group, shapes, type_token, layout, suffix):
     types = tuple(split_types(type_token)) if type_token else ()
     form = suffix.removesuffix("Sfs")
-    shape = shapes[family.arguments]
+    shape = shapes[group.get("arguments", family.arguments)]
     texts = list(shape[form] if isinstance(shape, dict) else shape)
     if suffix.endswith("Sfs"):
         texts.append("scale scaleFactor")
     arguments = tuple(a for text in texts for a in _declare(text, types, layout))
     name = "_".join(part for part in ("zeti" + family.operation, type_token, layout + suffix) if part)
-    template = family.template[form] if isinstance(family.template, dict) else family.template
+    template = group.get("template", family.template)
+    template = template[form] if isinstance(template, dict) else template
     filled = [f"Zet{t}" for t in types] + ([layout] if layout else [])
     if filled:
         head, _, tail = template.rstrip(">").partition("<")

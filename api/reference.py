@@ -32,6 +32,7 @@ SUFFIXES = {
     "I": "in place: the destination is also a source, `pSrcDst`",
     "M": "only pixels whose mask byte is not zero are written",
     "R": "works on a region, `roiSize`",
+    "s": "negative values become 0 in an unsigned type",
     "Sfs": "the result is scaled by 2 to the power of minus `scaleFactor`, rounded and saturated",
 }
 
@@ -59,7 +60,7 @@ def link(status):
 
 # --- What a group of members has in common ---------------------------------------------------------------------------
 
-FIXED = ("mask", "mask_out", "count", "float")  # kinds whose type does not follow the sample type
+FIXED = ("mask", "mask_out", "bits", "count", "float")  # kinds whose type does not follow the sample type
 
 
 def general(text, member, kind=""):
@@ -78,7 +79,8 @@ def shapes(members):
     return found
 
 
-def declaration(shape, members):
+def declaration(shape, members, alone):
+    """`alone`: no other shape has the suffix, so that the table of types tells whose it is."""
     suffix, result, parameters = shape
     types, layouts = unique(m.types for m in members), unique(m.layout for m in members)
     letters = "" if types == [()] else "T" if len(types[0]) == 1 else "SD"
@@ -88,7 +90,9 @@ def declaration(shape, members):
     text = head + ", ".join(parameters) + ");"
     if len(text) > 110:  # one argument a line, steps with their images
         text = head + "\n    " + re.sub(r", (?!int \w+Step\b)", ",\n    ", ", ".join(parameters)) + ");"
-    return (f"/* L: {', '.join(layouts)} */\n" if len(layouts) > 1 else "") + text
+    told = [] if alone or letters != "SD" else [f"{letters}: {', '.join(''.join(t) for t in types)}"]
+    told += [f"L: {', '.join(layouts)}"] if len(layouts) > 1 else []
+    return (f"/* {'; '.join(told)} */\n" if told else "") + text
 
 
 def matrix(members):
@@ -107,6 +111,7 @@ KINDS = {  # kind -> what it is, unit, range
     "destination": ("destination image, at the first pixel of the region", "samples", "not null"),
     "both": ("image that is source and destination, at the first pixel of the region", "samples", "not null"),
     "mask": ("mask image, at the first pixel of the region; a byte that is not zero selects its pixel", "bytes", "not null"),
+    "bits": ("source image of packed bits, at the byte from which the offset counts; the most significant bit first", "bytes", "not null"),
     "mask_out": ("mask image that is written, at the first pixel of the region", "bytes", "not null"),
     "value": ("the constant", "sample", "any"),
     "values": ("the constants, one for each colour channel", "samples", "not null"),
@@ -200,7 +205,9 @@ def page(family, members, notes, known):
     lines = [MADE, f"# {family.operation}", "", f"{family.brief}."]
     if family.formula:
         lines += ["", f"    {family.formula}", *(["", f"By {family.author}."] if family.author else [])]
-    declared = "\n\n".join(declaration(shape, group) for shape, group in shapes(members).items())
+    groups = shapes(members)
+    suffixes = [suffix for suffix, *_ in groups]
+    declared = "\n\n".join(declaration(shape, group, suffixes.count(shape[0]) == 1) for shape, group in groups.items())
     lines += section("Declarations", ["```c", declared, "```", *(["", *legend(members)] if legend(members) else [])])
     if members[0].types:
         lines += section("Types and layouts", matrix(members))

@@ -169,6 +169,7 @@ inline Vec<Zet16u> average_up(Vec<Zet16u> a, Vec<Zet16u> b) { return as_lanes<Ze
 
 template <class T> struct WiderOf;
 template <> struct WiderOf<Zet8u> { using type = Zet16u; };
+template <> struct WiderOf<Zet8s> { using type = Zet16s; };
 template <> struct WiderOf<Zet16u> { using type = Zet32u; };
 template <> struct WiderOf<Zet16s> { using type = Zet32s; };
 template <class T> using Wider = typename WiderOf<T>::type;
@@ -189,9 +190,15 @@ template <class T> Pair2<Wider<T>> widen(Vec<T> v) {
     else return interleave<T>(v, Vec<T>{});
 }
 
-// Saturating: 16-bit lanes read as signed to 8u; signed 32-bit lanes to 16s.
+// Saturating: 16-bit lanes read as signed to 8u or 8s; signed 32-bit lanes to 16s.
 inline Vec<Zet8u> narrow_to_8u(Vec<Zet16u> low, Vec<Zet16u> high) { return as_lanes<Zet8u>(_mm_packus_epi16(raw(low), raw(high))); }
+inline Vec<Zet8s> narrow_to_8s(Vec<Zet16s> low, Vec<Zet16s> high) { return as_lanes<Zet8s>(_mm_packs_epi16(raw(low), raw(high))); }
 inline Vec<Zet16s> narrow_to_16s(Vec<Zet32s> low, Vec<Zet32s> high) { return as_lanes<Zet16s>(_mm_packs_epi32(raw(low), raw(high))); }
+
+// Unsigned 16-bit lanes to 8u, saturating: those with the top bit set read as negative.
+inline Vec<Zet8u> narrow_16u_to_8u(Vec<Zet16u> low, Vec<Zet16u> high) {
+    return narrow_to_8u(low, high) | as_lanes<Zet8u>(narrow_to_8s(as_lanes<Zet16s>(low), as_lanes<Zet16s>(high)) < 0);
+}
 
 // Signed 32-bit lanes to 16u, saturating; lanes must be at least -2^31 + 32768.
 inline Vec<Zet16u> narrow_to_16u(Vec<Zet32s> low, Vec<Zet32s> high) {
@@ -247,6 +254,11 @@ inline Vec<Zet64f> to_double(Vec<Zet32s> v) { return reinterpret_cast<Vec<Zet64f
 inline Vec<Zet32s> to_int(Vec<Zet64f> v) { return as_lanes<Zet32s>(_mm_cvtpd_epi32(reinterpret_cast<__m128d>(v))); }
 
 inline Vec<Zet32f> to_float(Vec<Zet32s> v) { return reinterpret_cast<Vec<Zet32f>>(_mm_cvtepi32_ps(raw(v))); }
+
+// Two exact halves, and one sum that is rounded.
+inline Vec<Zet32f> to_float(Vec<Zet32u> v) {
+    return to_float(as_lanes<Zet32s>(v >> 16)) * splat(65536.0f) + to_float(as_lanes<Zet32s>(v & 0xFFFF));
+}
 
 // --- Tables -------------------------------------------------------------------------------------------------------
 

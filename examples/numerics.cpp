@@ -147,6 +147,38 @@ void logarithms_and_exponentials() {
     claim(worst_ln <= 1.07 && worst_exp <= 1.89, "Ln 32f within 1.07, Exp 32f within 1.89 units of the last place");
 }
 
+void conversions() {
+    const auto to8u = [](Zet32f v, int mode, int s = 0) {
+        Zet8u dst = 77;
+        zetiConvert_32f8u_C1RSfs(&v, 4, &dst, 1, {1, 1}, ZetRoundMode(mode), s);
+        return int{dst};
+    };
+    claim(to8u(1.9F, zetRndZero) == 1 && to8u(0.5F, zetRndNear) == 0 && to8u(1.5F, zetRndNear) == 2 && to8u(2.5F, zetRndFinancial) == 3 && to8u(2.5F, 7) == 3,
+          "Convert 32f8u: 1.9 -> 1 towards zero; 0.5 -> 0, 1.5 -> 2 to even; 2.5 -> 3 financial, and by mode 7");
+    claim(to8u(0x1.FFFFFEp-2F, zetRndFinancial) == 0 && to8u(0.5F, zetRndFinancial) == 1, "Convert 32f8u, financial: just below 0.5 -> 0, 0.5 -> 1");
+    claim(to8u(0x1p-149F, zetRndNear, -150) == 2 && to8u(0, zetRndNear, -400) == 0 && to8u(inf, zetRndNear, 400) == 255 && to8u(largest, zetRndNear, 400) == 0,
+          "Convert 32f8u beyond the powers that are floats: 2^-149 * 2^150 = 2, 0 stays, infinity is 255");
+    const auto of_nan = [](auto call, auto dst) {
+        const Zet32f nan = NAN;
+        call(&nan, 4, &dst, int{sizeof dst}, ZetiSize{1, 1}, zetRndNear, 0);
+        return dst;
+    };
+    claim(of_nan(zetiConvert_32f8u_C1RSfs, Zet8u{7}) == 0 && of_nan(zetiConvert_32f16s_C1RSfs, Zet16s{7}) == -32768 &&
+              of_nan(zetiConvert_32f32s_C1RSfs, Zet32s{7}) == -2147483647 - 1 && of_nan(zetiConvert_32f32u_C1RSfs, Zet32u{7}) == 0,
+          "Convert of NaN: the least value of the type");
+    bool close = true;
+    for (int x = -32768, last = 0, lastFast = 0; x <= 32767; ++x) {
+        const Zet16s src = static_cast<Zet16s>(x);
+        Zet8u fast = 0, accurate = 0;
+        zetiScale_16s8u_C1R(&src, 2, &fast, 1, {1, 1}, zetAlgHintFast);
+        zetiScale_16s8u_C1R(&src, 2, &accurate, 1, {1, 1}, zetAlgHintAccurate);
+        close &= std::abs(fast - accurate) <= 1 && accurate >= last && fast >= lastFast && (x > -32768 || (fast == 0 && accurate == 0));
+        last = accurate, lastFast = fast;
+        if (x == 32767) close &= fast == 255 && accurate == 255;
+    }
+    claim(close, "Scale 16s8u: both paths monotonic from 0 to 255, at most 1 apart");
+}
+
 void float_quotients() {
     std::mt19937 random(1);
     const auto any = [&](int exponents) {
@@ -222,6 +254,7 @@ int main() {
     integer_quotients();
     roots_and_products();
     logarithms_and_exponentials();
+    conversions();
     float_quotients();
     floats();
     overlaps();

@@ -3,6 +3,7 @@
 // by zero takes its own extreme.
 #pragma once
 
+#include "signal/rounding.h"
 #include "signal/scaling.h"
 
 namespace zeti {
@@ -22,11 +23,6 @@ protected:
 private:
     using Bits = std::conditional_t<std::is_floating_point_v<T>, Zet32s, T>;
     Vec<Bits> zeros_{};
-};
-
-// How a float becomes an integer.
-struct ToNearest { // ties to even
-    static Vec<Zet32s> to_integer(Vec<Zet32f> q) { return to_int(q); }
 };
 
 // 8u, 16u, 16s. The quotient in single precision, times 2^-s, rounded by `Rounding`, saturated. For 8u that is the exact

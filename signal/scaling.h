@@ -80,19 +80,24 @@ private:
     Vec<T> bit_, bias_, mask_;
 };
 
-// Signed lanes f, v = 2 * f + bit 0 of `odd`, 2 <= s <= bits of the lane. With n = s - 1 the remainder f mod 2^n is compared with
-// its half; what the halving lost breaks ties upward, as an odd quotient does.
-template <class T> class RoundHalved {
+// Lanes of any value, 1 <= n <= bits of the value. The remainder v mod 2^n is compared with its half; an odd quotient breaks ties
+// upward, and so does bit 0 of `odd`.
+template <class T> class RoundRemainder {
 public:
-    explicit RoundHalved(int s) : n_(count_of(s - 1)), mask_(splat(T((1u << (s - 1)) - 1))), half_(splat(T(1u << (s - 2)))) {}
-    Vec<T> operator()(Vec<T> f, Vec<T> odd) const {
-        const Vec<T> quotient = shift_right<T>(f, n_);
-        return quotient - as_lanes<T>((f & mask_) > half_ - ((quotient | odd) & T{1}));
+    explicit RoundRemainder(int n) : n_(count_of(n)), mask_(splat(T((uint64_t{1} << n) - 1))), half_(splat(T(1u << (n - 1)))) {}
+    Vec<T> operator()(Vec<T> v, Vec<T> odd = Vec<T>{}) const {
+        const Vec<T> quotient = shift_right<T>(v, n_);
+        return quotient - as_lanes<T>((v & mask_) > half_ - ((quotient | odd) & T{1}));
     }
 
 private:
     Count n_;
     Vec<T> mask_, half_;
+};
+
+// Signed lanes f, v = 2 * f + bit 0 of `odd`, 2 <= s <= bits of the lane: what the halving lost breaks ties upward.
+template <class T> struct RoundHalved : RoundRemainder<T> {
+    explicit RoundHalved(int s) : RoundRemainder<T>(s - 1) {}
 };
 
 // The same for s = 1: what was lost goes up from odd f. The largest f stays: one more would leave the type.
@@ -111,7 +116,7 @@ private:
 
 // --- Scaling up ---------------------------------------------------------------------------------------------------
 
-// Saturated samples times 2^k, saturated; k >= 1.
+// Saturated samples times 2^k, saturated; 1 <= k, and for bytes k <= 7.
 template <class T> class ShiftLeft {
 public:
     explicit ShiftLeft(int k) : k_(count_of(k < bits ? k : bits)) {}
@@ -119,6 +124,9 @@ public:
         if constexpr (std::is_same_v<T, Zet8u>) { // k <= 7: 255 * 2^7 still reads as a positive 16-bit number
             const auto [low, high] = widen<T>(v);
             return narrow_to_8u(shift_left<Zet16u>(low, k_), shift_left<Zet16u>(high, k_));
+        } else if constexpr (std::is_same_v<T, Zet8s>) {
+            const auto [low, high] = widen<T>(v);
+            return narrow_to_8s(shift_left<Zet16s>(low, k_), shift_left<Zet16s>(high, k_));
         } else {
             const Vec<T> shifted = shift_left<T>(v, k_);
             const auto exact = shift_right<T>(shifted, k_) == v;
@@ -137,5 +145,17 @@ template <class T> Vec<T> extreme(Vec<T> v) {
     if constexpr (std::is_unsigned_v<T>) return ~as_lanes<T>(v == 0);
     else return (as_lanes<T>(v > 0) & max_of<T>) | (as_lanes<T>(v < 0) & min_of<T>);
 }
+
+// Floats times 2^-s for every s, in single precision. The power itself may lie beyond the type; its two halves do not, and what a
+// scale factor beyond theirs would give they give as well: 0, or more than any integer type holds.
+class ScaleFloat {
+public:
+    explicit ScaleFloat(int s) : half_(splat(power_of_two(-(clamped(s) / 2)))), rest_(splat(power_of_two(-(clamped(s) - clamped(s) / 2)))) {}
+    Vec<Zet32f> operator()(Vec<Zet32f> v) const { return v * half_ * rest_; }
+
+private:
+    static constexpr int clamped(int s) { return s < -252 ? -252 : s > 252 ? 252 : s; }
+    Vec<Zet32f> half_, rest_;
+};
 
 } // namespace zeti

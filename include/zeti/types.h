@@ -67,7 +67,7 @@ typedef struct {
 } ZetiRect;
 
 /* How an integer result is rounded. */
-typedef enum {
+typedef enum ZETI_INT_ENUM {
     zetRndZero = 0, /* towards zero */
     zetRndNear = 1, /* to nearest, ties to even */
     zetRndFinancial = 2 /* to nearest, ties away from zero */
