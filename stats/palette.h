@@ -52,7 +52,8 @@ void ownpiLUTPalette(Src<S> src, Dst<D> dst, ZetiSize roi, const Entry* const* t
 template <class S, class D, class Form, class Pixel, class Tables>
 ZetStatus palette(const S* pSrc, int srcStep, Pixel* pDst, int dstStep, ZetiSize roiSize, const Tables& pTable, int nBitSize) {
     const auto given = per_channel<Form>(pTable);
-    if (ZetStatus bad = first(null(pSrc, pDst, given), size(roiSize))) return bad;
+    const bool noTable = !given || (Form::channels == 1 && !given[0]); // the tables in an array are looked at later
+    if (ZetStatus bad = first(null(pSrc, pDst), fails(noTable, zetStsNullPtrErr), size(roiSize))) return bad;
     const typename PaletteEntry<D>::type* tables[Form::colours];
     for (int c = 0; c < Form::colours; ++c)
         if (!(tables[c] = given[c])) return zetStsNullPtrErr;
