@@ -3,14 +3,19 @@
 #pragma once
 
 #include <cmath>
+#include <cstring>
 
 #include "core/check.h"
 #include "core/float_state.h"
+#include "core/layout.h"
 #include "core/memory.h"
+#include "core/view.h"
+#include "signal/moments.h"
 #include "stats/moments_extended.h"
-#include "stats/moments_sums.h"
 
 namespace zeti {
+
+inline constexpr int moment_entries = 16;
 
 // The record behind ZetiMomentState_64f and ZetiMomentState_64s. Packed, as a caller's block may lie at any byte.
 template <class V> struct [[gnu::packed]] MomentRecord {
@@ -92,6 +97,40 @@ template <class V> ZetStatus moment_init(detail::MomentState<V>* pState, ZetHint
 
 // --- Scans ----------------------------------------------------------------------------------------------------------------------------
 
+namespace detail {
+
+// Entry 4 m + n of a channel's table: the sum of p y^m x^n.
+template <class Sum> void add_row(Sum* table, const Sum (&s)[4], Sum y) {
+    const Sum y2 = y * y;
+    for (int n = 0; n < 4; ++n) table[n] += s[n];
+    for (int n = 0; n < 3; ++n) table[4 + n] += s[n] * y;
+    for (int n = 0; n < 2; ++n) table[8 + n] += s[n] * y2;
+    table[12] += s[0] * (y2 * y);
+}
+
+template <class Chains, class T, class L> void sum_moments(Src<T> src, ZetiSize roi, typename Chains::Sum (&tables)[3][moment_entries]) {
+    using Sum = typename Chains::Sum;
+    for (int y = 0; y < roi.height; ++y) {
+        const T* p = src.row(y);
+        Chains chains[L::colours];
+        Vec<Zet64f> x = {0, 1};
+        ptrdiff_t i = 0;
+        for (; i <= roi.width - 4; i += 4, p += 4 * L::channels, x += 4)
+            for (int c = 0; c < L::colours; ++c) chains[c].add(four_samples<L::channels>(p + c), x);
+        if (const int rest = static_cast<int>(roi.width - i); rest > 0) {
+            for (int c = 0; c < L::colours; ++c) chains[c].add(four_samples<L::channels>(p + c, rest), x);
+            i += 4;
+        }
+        for (int c = 0; c < L::colours; ++c) {
+            Sum s[4];
+            chains[c].sums(i / 2, s);
+            add_row(tables[c], s, static_cast<Sum>(y));
+        }
+    }
+}
+
+} // namespace detail
+
 template <class V, class T, class L> ZetStatus moments(const T* pSrc, int srcStep, ZetiSize roiSize, detail::MomentState<V>* pState) {
     if (ZetStatus bad = first(null(pSrc), detail::check_state<V>(pState), step(srcStep), size(roiSize),
                               fails(srcStep < int64_t{roiSize.width} * L::channels * int64_t{sizeof(T)}, zetStsStrideErr)))
@@ -99,7 +138,7 @@ template <class V, class T, class L> ZetStatus moments(const T* pSrc, int srcSte
     [[maybe_unused]] const FloatState held;
     using Chains = typename detail::MomentForm<V>::Chains;
     typename Chains::Sum tables[3][moment_entries] = {};
-    const auto scan = [&]<class C>(C) { sum_moments<C, T, L>({pSrc, srcStep}, roiSize, tables); };
+    const auto scan = [&]<class C>(C) { detail::sum_moments<C, T, L>({pSrc, srcStep}, roiSize, tables); };
     if constexpr (std::is_same_v<V, Zet64f> && std::is_integral_v<T>) {
         if (detail::ExactChains::hold_row<T>(roiSize.width)) scan(detail::ExactChains());
         else scan(Chains());

@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// The scan of an image for its moments: for each row the sums of p, p x, p x^2, p x^3, which then go times powers of y into a table.
+// Row kernels of the moments: the sums of p, p x, p x^2 and p x^3 of one channel.
 #pragma once
 
-#include <cstring>
-
-#include "core/layout.h"
 #include "core/simd.h"
 #include "core/view.h"
 
 namespace zeti {
-
-inline constexpr int moment_entries = 16;
 
 // Rounded once. Without a conversion of 64 bits, which is no SSE2 instruction on a 32-bit machine.
 inline Zet64f to_double(Zet64s v) {
@@ -110,36 +105,6 @@ struct ExactChains : IntegerChains {
     }
 };
 
-// Entry 4 m + n of a channel's table: the sum of p y^m x^n.
-template <class Sum> void add_row(Sum* table, const Sum (&s)[4], Sum y) {
-    const Sum y2 = y * y;
-    for (int n = 0; n < 4; ++n) table[n] += s[n];
-    for (int n = 0; n < 3; ++n) table[4 + n] += s[n] * y;
-    for (int n = 0; n < 2; ++n) table[8 + n] += s[n] * y2;
-    table[12] += s[0] * (y2 * y);
-}
-
 } // namespace detail
-
-template <class Chains, class T, class L> void sum_moments(Src<T> src, ZetiSize roi, typename Chains::Sum (&tables)[3][moment_entries]) {
-    using Sum = typename Chains::Sum;
-    for (int y = 0; y < roi.height; ++y) {
-        const T* p = src.row(y);
-        Chains chains[L::colours];
-        Vec<Zet64f> x = {0, 1};
-        ptrdiff_t i = 0;
-        for (; i <= roi.width - 4; i += 4, p += 4 * L::channels, x += 4)
-            for (int c = 0; c < L::colours; ++c) chains[c].add(detail::four_samples<L::channels>(p + c), x);
-        if (const int rest = static_cast<int>(roi.width - i); rest > 0) {
-            for (int c = 0; c < L::colours; ++c) chains[c].add(detail::four_samples<L::channels>(p + c, rest), x);
-            i += 4;
-        }
-        for (int c = 0; c < L::colours; ++c) {
-            Sum s[4];
-            chains[c].sums(i / 2, s);
-            detail::add_row(tables[c], s, static_cast<Sum>(y));
-        }
-    }
-}
 
 } // namespace zeti
