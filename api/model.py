@@ -25,11 +25,18 @@ Argument kinds
   count                       likewise, of Zet32u whatever the sample type
   sample                      one constant of the sample type by value, whatever the layout
   value_out                   a pointer to a sample that the function writes
-  size, scale                 ZetiSize; the scale factor
+  size, point, scale          ZetiSize; ZetiPoint; the scale factor
   round_mode, cmp_op, alpha_type, hint   ZetRoundMode, ZetCmpOp, ZetAlphaType, ZetHintAlgorithm
   int, float                  a plain number (flags, extents, tolerances)
   int_out                     a pointer to an integer that the function writes
   memory                      a plain pointer
+  bound                       one number by value on C1, else a pointer to one per colour channel, of the sample's type of levels: Zet32f for
+                              32f, else Zet32s; `number` likewise, of int; `counts_out` a pointer to as many counts that are written
+  bins, levels, levels_out, table   one array on C1, else an array of one per colour channel: counts that are written, numbers as of
+                              `bound`, the same written, entries of the destination's type
+  state:R, state_read:R, state_out:R   a pointer to a record R, to one that is only read, to a pointer to one; {T} in R is the type
+  values_out:N                a pointer to N samples that the function writes
+An argument shape may also be told by type where its list differs between types.
 """
 import re
 import tomllib
@@ -40,12 +47,15 @@ ROOT = Path(__file__).resolve().parent.parent
 FILES = ["core", "arith", "move", "stats", "filter", "geometry", "transform", "correlate"]
 
 TYPES = ["16sc", "32sc", "32fc", "24u", "16u", "16s", "32u", "32s", "32f", "64s", "64f", "8u", "8s", "1u"]
-CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P2": 2, "P3": 3, "P4": 4, "AP4": 4, "AC1": 2}
-COLOURS = {**CHANNELS, "AC4": 3, "C3C": 1, "C4C": 1}
+CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P2": 2, "P3": 3, "P4": 4, "AP4": 4, "AC1": 2, "A0C4": 4}
+COLOURS = {**CHANNELS, "AC4": 3, "A0C4": 3, "C3C": 1, "C4C": 1}
 # C types of the arguments that do not depend on the sample type.
-PLAIN = {"size": "ZetiSize ", "scale": "int ", "int": "int ", "float": "Zet32f ", "int_out": "int *", "memory": "void *",
+PLAIN = {"size": "ZetiSize ", "point": "ZetiPoint ", "scale": "int ", "int": "int ", "float": "Zet32f ", "int_out": "int *", "memory": "void *",
          "round_mode": "ZetRoundMode ", "cmp_op": "ZetCmpOp ", "hint": "ZetHintAlgorithm ", "alpha_type": "ZetAlphaType "}
 BY_VALUE = {"C1", "C3C", "C4C"}
+# One by itself on C1, else an array of one per colour channel: {L} is the type of levels, {D} that of the destination.
+PER_CHANNEL = {"bound": "{L} ", "number": "int ", "bins": "Zet32s *", "levels": "const {L} *", "levels_out": "{L} *", "table": "const {D} *"}
+SAMPLES_24U = {"Zet24u": ("Zet8u", "Zet32u")}  # in an image; in a table
 
 
 def split_types(token):
@@ -59,7 +69,7 @@ def split_layout(token):
     """'C3P3' -> ('C3', 'P3'); 'AC4' -> ('AC4', 'AC4')."""
     if token in CHANNELS:
         return token, token
-    parts = re.fullmatch(r"(A?[CP]\d)(A?[CP]\d)", token)
+    parts = re.fullmatch(r"(A?[CP]\d)(A?0?[CP]\d)", token)
     assert parts, f"unknown layout token {token}"
     return parts.groups()
 
@@ -105,6 +115,7 @@ def _declare(text, types, layout):
     kind, name, *step = text.split()
     source, destination = split_layout(layout) if layout else ("C1", "C1")
     source_type, destination_type = (f"Zet{t}" for t in (types[0], types[-1])) if types else ("void", "void")
+    destination_type, entry_type = SAMPLES_24U.get(destination_type, (destination_type, destination_type))
 
     def image(type_, side, const):
         if side.lstrip("A").startswith("P"):
@@ -115,6 +126,19 @@ def _declare(text, types, layout):
         declaration = image(source_type, source, "const ")
     elif kind in ("destination", "both"):
         declaration = image(destination_type, destination, "")
+    elif kind in PER_CHANNEL:
+        one = PER_CHANNEL[kind].format(L="Zet32f" if types[0] == "32f" else "Zet32s", D=entry_type)
+        const = "*const " if one.endswith("*") else ""
+        declaration = f"{one}{name}" if destination in BY_VALUE else f"{one.rstrip('*') or one}{const}{name}[{COLOURS[destination]}]"
+        if not const and destination not in BY_VALUE:
+            declaration = "const " + declaration
+    elif kind == "counts_out":
+        declaration = f"Zet32s *{name}" if destination in BY_VALUE else f"Zet32s {name}[{COLOURS[destination]}]"
+    elif ":" in kind:
+        kind, _, what = kind.partition(":")
+        what = what.format(T=types[-1])
+        declaration = {"state": f"{what} *{name}", "state_read": f"const {what} *{name}", "state_out": f"{what} **{name}",
+                       "values_out": f"{destination_type} {name}[{what}]"}[kind]
     elif kind in ("mask", "bits"):
         declaration = f"const Zet8u *{name}"
     elif kind == "mask_out":
@@ -148,7 +172,7 @@ def _member(family, group, shapes, type_token, layout, suffix):
     types = tuple(split_types(type_token)) if type_token else ()
     form = suffix.removesuffix("Sfs")
     shape = shapes[group.get("arguments", family.arguments)]
-    texts = list(shape[form] if isinstance(shape, dict) else shape)
+    texts = list(shape if isinstance(shape, list) else shape[form] if form in shape else shape[type_token])
     if suffix.endswith("Sfs"):
         texts.append("scale scaleFactor")
     arguments = tuple(a for text in texts for a in _declare(text, types, layout))

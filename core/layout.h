@@ -30,6 +30,9 @@ struct P3 : Layout<3, 3> {};
 struct P4 : Layout<4, 4> {};
 struct AP4 : Layout<4, 3> {};
 
+// Four samples, the first of them alpha.
+struct A0C4 : Layout<4, 3> {};
+
 // Source layout, then destination layout.
 template <class Source, class Destination> struct Pair {
     using source = Source;
@@ -46,5 +49,6 @@ using C3P3 = Pair<C3, P3>;
 using C4P4 = Pair<C4, P4>;
 using P3C3 = Pair<P3, C3>;
 using P4C4 = Pair<P4, C4>;
+using C3A0C4 = Pair<C3, A0C4>;
 
 } // namespace zeti

@@ -135,5 +135,6 @@ void show_ln_exp(Gallery &gallery, const Photos &photos);
 void show_logic(Gallery &gallery, const Photos &photos);
 void show_move(Gallery &gallery, const Photos &photos);
 void show_convert_and_scale(Gallery &gallery, const Photos &photos);
+void show_tables(Gallery &gallery, const Photos &photos);
 
 } // namespace demo

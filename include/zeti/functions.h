@@ -1511,6 +1511,222 @@ ZETI_API ZetStatus zetiScale_32f8u_C3R(const Zet32f *pSrc, int srcStep, Zet8u *p
 ZETI_API ZetStatus zetiScale_32f8u_C4R(const Zet32f *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f vMin, Zet32f vMax);
 ZETI_API ZetStatus zetiScale_32f8u_AC4R(const Zet32f *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f vMin, Zet32f vMax);
 
+/* HistogramRange. Counts samples between levels of the caller's choice: pHist[k] = number of samples v with pLevels[k] <= v < pLevels[k+1]. */
+ZETI_API ZetStatus zetiHistogramRange_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pHist, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiHistogramRange_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiHistogramRange_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiHistogramRange_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiHistogramRange_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pHist, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiHistogramRange_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiHistogramRange_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiHistogramRange_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiHistogramRange_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pHist, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiHistogramRange_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiHistogramRange_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiHistogramRange_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiHistogramRange_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pHist, const Zet32f *pLevels, int nLevels);
+ZETI_API ZetStatus zetiHistogramRange_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiHistogramRange_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[4], const Zet32f *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiHistogramRange_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+
+/* HistogramEven. Counts samples between levels at even distances: pLevels = lowerLevel ... upperLevel; pHist[k] = number of samples v with pLevels[k] <= v < pLevels[k+1]. */
+ZETI_API ZetStatus zetiHistogramEven_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pHist, Zet32s *pLevels, int nLevels, Zet32s lowerLevel, Zet32s upperLevel);
+ZETI_API ZetStatus zetiHistogramEven_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], Zet32s *const pLevels[3], const int nLevels[3], const Zet32s lowerLevel[3], const Zet32s upperLevel[3]);
+ZETI_API ZetStatus zetiHistogramEven_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[4], Zet32s *const pLevels[4], const int nLevels[4], const Zet32s lowerLevel[4], const Zet32s upperLevel[4]);
+ZETI_API ZetStatus zetiHistogramEven_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], Zet32s *const pLevels[3], const int nLevels[3], const Zet32s lowerLevel[3], const Zet32s upperLevel[3]);
+ZETI_API ZetStatus zetiHistogramEven_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pHist, Zet32s *pLevels, int nLevels, Zet32s lowerLevel, Zet32s upperLevel);
+ZETI_API ZetStatus zetiHistogramEven_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], Zet32s *const pLevels[3], const int nLevels[3], const Zet32s lowerLevel[3], const Zet32s upperLevel[3]);
+ZETI_API ZetStatus zetiHistogramEven_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[4], Zet32s *const pLevels[4], const int nLevels[4], const Zet32s lowerLevel[4], const Zet32s upperLevel[4]);
+ZETI_API ZetStatus zetiHistogramEven_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], Zet32s *const pLevels[3], const int nLevels[3], const Zet32s lowerLevel[3], const Zet32s upperLevel[3]);
+ZETI_API ZetStatus zetiHistogramEven_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pHist, Zet32s *pLevels, int nLevels, Zet32s lowerLevel, Zet32s upperLevel);
+ZETI_API ZetStatus zetiHistogramEven_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], Zet32s *const pLevels[3], const int nLevels[3], const Zet32s lowerLevel[3], const Zet32s upperLevel[3]);
+ZETI_API ZetStatus zetiHistogramEven_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[4], Zet32s *const pLevels[4], const int nLevels[4], const Zet32s lowerLevel[4], const Zet32s upperLevel[4]);
+ZETI_API ZetStatus zetiHistogramEven_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], Zet32s *const pLevels[3], const int nLevels[3], const Zet32s lowerLevel[3], const Zet32s upperLevel[3]);
+
+/* CountInRange. Counts samples between two bounds, both included: pCounts = number of samples v with lowerBound <= v <= upperBound. */
+ZETI_API ZetStatus zetiCountInRange_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pCounts, Zet8u lowerBound, Zet8u upperBound);
+ZETI_API ZetStatus zetiCountInRange_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s pCounts[3], const Zet8u lowerBound[3], const Zet8u upperBound[3]);
+ZETI_API ZetStatus zetiCountInRange_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s pCounts[3], const Zet8u lowerBound[3], const Zet8u upperBound[3]);
+ZETI_API ZetStatus zetiCountInRange_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pCounts, Zet32f lowerBound, Zet32f upperBound);
+ZETI_API ZetStatus zetiCountInRange_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32s pCounts[3], const Zet32f lowerBound[3], const Zet32f upperBound[3]);
+ZETI_API ZetStatus zetiCountInRange_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32s pCounts[3], const Zet32f lowerBound[3], const Zet32f upperBound[3]);
+
+/* LUT. Replaces samples by a constant for each interval of levels: dst = pValues[k] for pLevels[k] <= src < pLevels[k+1], else src. */
+ZETI_API ZetStatus zetiLUT_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_16u_C1R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_16u_C1IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_16u_C3R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_16u_C3IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_16u_C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_16u_C4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_16u_AC4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_16u_AC4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_16s_C1R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_16s_C1IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_16s_C3R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_16s_C3IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_16s_C4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_16s_C4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_16s_AC4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_16s_AC4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *pValues, const Zet32f *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *pValues, const Zet32f *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_32f_C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[4], const Zet32f *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[4], const Zet32f *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+
+/* LUT_Linear. Maps samples by straight lines between the values at the levels: dst = pValues[k] + (src - pLevels[k]) * (pValues[k+1] - pValues[k]) / (pLevels[k+1] - pLevels[k]). */
+ZETI_API ZetStatus zetiLUT_Linear_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Linear_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Linear_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Linear_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Linear_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_16u_C1R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Linear_16u_C1IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Linear_16u_C3R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_16u_C3IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_16u_C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Linear_16u_C4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Linear_16u_AC4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_16u_AC4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_16s_C1R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Linear_16s_C1IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Linear_16s_C3R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_16s_C3IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_16s_C4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Linear_16s_C4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Linear_16s_AC4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_16s_AC4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *pValues, const Zet32f *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Linear_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *pValues, const Zet32f *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Linear_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_32f_C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[4], const Zet32f *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Linear_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[4], const Zet32f *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Linear_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Linear_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+
+/* LUT_Cubic. Maps samples by cubics through the values at four levels: dst = the cubic through the levels j to j + 3, j = k - 1 within 0 and nLevels - 4, for pLevels[k] <= src < pLevels[k+1]. */
+ZETI_API ZetStatus zetiLUT_Cubic_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Cubic_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Cubic_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Cubic_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Cubic_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_16u_C1R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Cubic_16u_C1IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Cubic_16u_C3R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_16u_C3IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_16u_C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Cubic_16u_C4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Cubic_16u_AC4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_16u_AC4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_16s_C1R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Cubic_16s_C1IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *pValues, const Zet32s *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Cubic_16s_C3R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_16s_C3IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_16s_C4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Cubic_16s_C4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[4], const Zet32s *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Cubic_16s_AC4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_16s_AC4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32s *const pValues[3], const Zet32s *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *pValues, const Zet32f *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Cubic_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *pValues, const Zet32f *pLevels, int nLevels);
+ZETI_API ZetStatus zetiLUT_Cubic_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_32f_C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[4], const Zet32f *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Cubic_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[4], const Zet32f *const pLevels[4], const int nLevels[4]);
+ZETI_API ZetStatus zetiLUT_Cubic_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+ZETI_API ZetStatus zetiLUT_Cubic_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, const Zet32f *const pValues[3], const Zet32f *const pLevels[3], const int nLevels[3]);
+
+/* LUTPalette. Replaces samples by entries of a table: dst = pTable[src & (2^nBitSize - 1)]. */
+ZETI_API ZetStatus zetiLUTPalette_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *pTable, int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *const pTable[3], int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *const pTable[4], int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *const pTable[3], int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_8u_C3A0C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *const pTable[3], int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_16u_C1R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet16u *pTable, int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_16u_C3R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet16u *const pTable[3], int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_16u_C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet16u *const pTable[4], int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_16u_AC4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet16u *const pTable[3], int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_16u_C3A0C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet16u *const pTable[3], int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_8u24u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32u *pTable, int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_8u32u_C1R(const Zet8u *pSrc, int srcStep, Zet32u *pDst, int dstStep, ZetiSize roiSize, const Zet32u *pTable, int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_16u8u_C1R(const Zet16u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *pTable, int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_16u24u_C1R(const Zet16u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet32u *pTable, int nBitSize);
+ZETI_API ZetStatus zetiLUTPalette_16u32u_C1R(const Zet16u *pSrc, int srcStep, Zet32u *pDst, int dstStep, ZetiSize roiSize, const Zet32u *pTable, int nBitSize);
+
+/* LUTPaletteSwap. Replaces samples by entries of a table and exchanges two channels: dst[2], dst[1], dst[3] = pTable[c][src[c] & (2^nBitSize - 1)] for c = 0, 1, 2. */
+ZETI_API ZetStatus zetiLUTPaletteSwap_8u_C3A0C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const Zet8u *const pTable[3], int nBitSize);
+ZETI_API ZetStatus zetiLUTPaletteSwap_16u_C3A0C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const Zet16u *const pTable[3], int nBitSize);
+
+/* MomentInitAlloc. Makes a record of moments. */
+ZETI_API ZetStatus zetiMomentInitAlloc_64f(ZetiMomentState_64f **ppState, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiMomentInitAlloc_64s(ZetiMomentState_64s **ppState, ZetHintAlgorithm hint);
+
+/* MomentFree. Releases a record of moments. */
+ZETI_API ZetStatus zetiMomentFree_64f(ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMomentFree_64s(ZetiMomentState_64s *pState);
+
+/* MomentGetStateSize. The size of a record of moments. */
+ZETI_API ZetStatus zetiMomentGetStateSize_64s(ZetHintAlgorithm hint, int *pSize);
+
+/* MomentInit. Makes a record of moments in the caller's memory. */
+ZETI_API ZetStatus zetiMomentInit_64s(ZetiMomentState_64s *pState, ZetHintAlgorithm hint);
+
+/* Moments64f. Scans an image for its moments, in double precision: T[4m + n] = sum of src(x, y) * y^m * x^n over the region, m + n <= 3. */
+ZETI_API ZetStatus zetiMoments64f_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMoments64f_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMoments64f_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMoments64f_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMoments64f_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMoments64f_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMoments64f_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMoments64f_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+ZETI_API ZetStatus zetiMoments64f_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64f *pState);
+
+/* Moments64s. Scans an image for its moments, in 64-bit integers: T[4m + n] = sum of src(x, y) * y^m * x^n over the region, m + n <= 3. */
+ZETI_API ZetStatus zetiMoments64s_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64s *pState);
+ZETI_API ZetStatus zetiMoments64s_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64s *pState);
+ZETI_API ZetStatus zetiMoments64s_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64s *pState);
+ZETI_API ZetStatus zetiMoments64s_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64s *pState);
+ZETI_API ZetStatus zetiMoments64s_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64s *pState);
+ZETI_API ZetStatus zetiMoments64s_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, ZetiMomentState_64s *pState);
+
+/* GetSpatialMoment. A moment about any origin: sum of src(x, y) * (y + roiOffset.y)^mOrd * (x + roiOffset.x)^nOrd. */
+ZETI_API ZetStatus zetiGetSpatialMoment_64f(const ZetiMomentState_64f *pState, int mOrd, int nOrd, int nChannel, ZetiPoint roiOffset, Zet64f *pValue);
+ZETI_API ZetStatus zetiGetSpatialMoment_64s(const ZetiMomentState_64s *pState, int mOrd, int nOrd, int nChannel, ZetiPoint roiOffset, Zet64s *pValue, int scaleFactor);
+
+/* GetCentralMoment. A moment about the centre of mass: sum of src(x, y) * (y - yc)^mOrd * (x - xc)^nOrd, xc = T[1] / T[0], yc = T[4] / T[0]. */
+ZETI_API ZetStatus zetiGetCentralMoment_64f(const ZetiMomentState_64f *pState, int mOrd, int nOrd, int nChannel, Zet64f *pValue);
+ZETI_API ZetStatus zetiGetCentralMoment_64s(const ZetiMomentState_64s *pState, int mOrd, int nOrd, int nChannel, Zet64s *pValue, int scaleFactor);
+
+/* GetNormalizedSpatialMoment. A moment about any origin, over a power of the zeroth: GetSpatialMoment * T[0]^(-(mOrd + nOrd + 2) / 2). */
+ZETI_API ZetStatus zetiGetNormalizedSpatialMoment_64f(const ZetiMomentState_64f *pState, int mOrd, int nOrd, int nChannel, ZetiPoint roiOffset, Zet64f *pValue);
+ZETI_API ZetStatus zetiGetNormalizedSpatialMoment_64s(const ZetiMomentState_64s *pState, int mOrd, int nOrd, int nChannel, ZetiPoint roiOffset, Zet64s *pValue, int scaleFactor);
+
+/* GetNormalizedCentralMoment. A moment about the centre of mass, over a power of the zeroth: GetCentralMoment * T[0]^(-(mOrd + nOrd + 2) / 2). */
+ZETI_API ZetStatus zetiGetNormalizedCentralMoment_64f(const ZetiMomentState_64f *pState, int mOrd, int nOrd, int nChannel, Zet64f *pValue);
+ZETI_API ZetStatus zetiGetNormalizedCentralMoment_64s(const ZetiMomentState_64s *pState, int mOrd, int nOrd, int nChannel, Zet64s *pValue, int scaleFactor);
+
+/* GetHuMoments. The seven invariants of an image under shift, scale and rotation. */
+ZETI_API ZetStatus zetiGetHuMoments_64f(const ZetiMomentState_64f *pState, int nChannel, Zet64f pHm[7]);
+ZETI_API ZetStatus zetiGetHuMoments_64s(const ZetiMomentState_64s *pState, int nChannel, Zet64s pHm[7], int scaleFactor);
+
 #ifdef __cplusplus
 }
 #endif

@@ -116,6 +116,10 @@ typedef enum ZETI_INT_ENUM {
     zetCmpGreater = 4
 } ZetCmpOp;
 
+/* Sums over an image, from MomentInitAlloc or MomentInit; Moments64f and Moments64s fill them, and getters answer from them. */
+typedef struct ZetiMomentState_64f ZetiMomentState_64f;
+typedef struct ZetiMomentState_64s ZetiMomentState_64s;
+
 #ifdef __cplusplus
 }
 #endif
