@@ -165,7 +165,7 @@ TEST(Convert, EveryMemberAtEveryWidth) {
             for (int i = 0; i < 4; ++i)
                 if (!check(f, r, {r.between(1, 70), 2}, false, state)) return;
     });
-    for (const auto& [family, sum] : sums) EXPECT_TRUE(sum.is_known(__FILE__, family));
+    for (const auto& [family, sum] : sums) EXPECT_TRUE(sum.is_known(family));
 }
 
 // Destinations that are written past the cache, and the sizes at which Scale begins to do so.
@@ -323,7 +323,7 @@ TEST(Bits, EveryWidthAndOffset) {
             ASSERT_TRUE(dst.intact() && src.intact()) << "offset " << offset;
             sum.add(dst);
         }
-    EXPECT_TRUE(sum.is_known(__FILE__, "Bits"));
+    EXPECT_TRUE(sum.is_known("Bits"));
 }
 
 // A negative offset has the status of a bad size, and comes last.
