@@ -49,7 +49,8 @@ template <class Writes, class Kernel>
 // Registers of the destination begin with a pixel: WriteAll, or KeepAlpha with pixels of 4 samples. The streaming form bypasses the
 // cache; its caller closes with streaming_fence().
 template <class Writes, Cache cache, class Kernel>
-[[gnu::noinline, gnu::flatten]] void convert_row(const SourceOf<Kernel>* src, DestinationOf<Kernel>* dst, ptrdiff_t n, const Kernel& kernel) {
+[[gnu::noinline, gnu::flatten]] void convert_row(const SourceOf<Kernel>* src, DestinationOf<Kernel>* dst, ptrdiff_t n,
+                                                 const Kernel& kernel) {
     using D = DestinationOf<Kernel>;
     const Kernel op = kernel; // in registers for the row
     ptrdiff_t i = 0;

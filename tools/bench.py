@@ -19,6 +19,8 @@ PLAIN = r"_(8u|16s|32f)_C[134]I?R(Sfs/scale=[01])?/"
 TARGETS = [
     ("streaming", r"(Add|Sub|AddC|MulC|Copy|Set)" + PLAIN + "4096x4096", 0.9),
     ("in cache", r"(Add|Sub|AddC|MulC|Copy|Set)" + PLAIN + "256x256", 0.7),
+    ("Convert, streaming", r"Convert_(8u(16[us]|32[sf])|(16[us]|32[sf])8u)_C[134]R.*/4096x4096", 0.9),
+    ("Convert, in cache", r"Convert_(8u(16[us]|32[sf])|(16[us]|32[sf])8u)_C[134]R.*/256x256", 0.7),
     ("Mul in cache", r"Mul_.*/256x256", 0.4),
     ("positive scales in cache", r"(Add|Sub|AddC|SubC|MulC)_.*/scale=[1-9]/256x256", 0.4),
     ("Div 32f", r"Div_32f_.*/(256x256|1920x1080|4096x4096)", 0.3),
