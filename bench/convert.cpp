@@ -24,7 +24,8 @@ const bool listed = [] {
     image<Zet32s, Zet8s>("Convert_32s8s_C1R", "", 1);
     image<Zet32u, Zet32f>("Convert_32u32f_C1R", "", 1);
     image<Zet16s, Zet16u>("Convert_16s16u_C1Rs", "", 1);
-    for (const auto& [detail, mode] : {std::pair("mode=zero", zetRndZero), {"mode=near", zetRndNear}, {"mode=financial", zetRndFinancial}}) {
+    for (const auto& [detail, mode] :
+         {std::pair("mode=zero", zetRndZero), {"mode=near", zetRndNear}, {"mode=financial", zetRndFinancial}}) {
         image<Zet32f, Zet8u>("Convert_32f8u_C1R", detail, 1, mode);
         image<Zet32f, Zet16u>("Convert_32f16u_C1R", detail, 1, mode);
     }

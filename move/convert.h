@@ -65,13 +65,15 @@ ZetStatus convert_rounded(const S* pSrc, int srcStep, D* pDst, int dstStep, Zeti
 }
 
 template <class S, class D, class L>
-ZetStatus convert_rounded_scaled(const S* pSrc, int srcStep, D* pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor) {
+ZetStatus convert_rounded_scaled(const S* pSrc, int srcStep, D* pDst, int dstStep, ZetiSize roiSize, ZetRoundMode roundMode,
+                                 int scaleFactor) {
     return detail::convert_float<D, L>(pSrc, srcStep, pDst, dstStep, roiSize, roundMode, ScaleFloat(scaleFactor));
 }
 
 template <class S, class D, class L>
 ZetStatus convert_rounded_scaled_I(D* pSrcDst, int srcDstStep, ZetiSize roiSize, ZetRoundMode roundMode, int scaleFactor) {
-    return convert_rounded_scaled<S, D, L>(reinterpret_cast<const S*>(pSrcDst), srcDstStep, pSrcDst, srcDstStep, roiSize, roundMode, scaleFactor);
+    return convert_rounded_scaled<S, D, L>(reinterpret_cast<const S*>(pSrcDst), srcDstStep, pSrcDst, srcDstStep, roiSize, roundMode,
+                                           scaleFactor);
 }
 
 // A bit: no type of its own.

@@ -46,7 +46,8 @@ ZetStatus scale(const S* pSrc, int srcStep, D* pDst, int dstStep, ZetiSize roiSi
 template <class S, class D, class L>
 ZetStatus scale(const S* pSrc, int srcStep, D* pDst, int dstStep, ZetiSize roiSize, Zet32f vMin, Zet32f vMax) {
     using Kernel = std::conditional_t<std::is_same_v<S, Zet32f>, ScaleFromFloat, ScaleToFloat>;
-    if (ZetStatus bad = first(fails(!less(vMin, vMax), zetStsScaleRangeErr), null(pSrc, pDst), size(roiSize), step(srcStep, dstStep))) return bad;
+    if (ZetStatus bad = first(fails(!less(vMin, vMax), zetStsScaleRangeErr), null(pSrc, pDst), size(roiSize), step(srcStep, dstStep)))
+        return bad;
     const FloatState state;
     detail::scale_range<Kernel, L>(pSrc, srcStep, pDst, dstStep, roiSize, vMin, vMax);
     return zetStsNoErr;

@@ -35,7 +35,7 @@ template <class U, class T, int N, class F> Registers<U, N / 2> narrowed(const R
 
 // Unsigned lanes, those beyond the signed type at its maximum.
 template <class T> Vec<T> within_signed(Vec<T> v) {
-    constexpr T most = max_of<T> >> 1;
+    constexpr T most = max_of<T> / 2;
     if constexpr (sizeof(T) < 4) return min<T>(v, splat(most));
     else return (v | as_lanes<T>(as_lanes<Zet32s>(v) >> 31)) & most; // with the top bit set all others are
 }

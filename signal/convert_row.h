@@ -49,7 +49,8 @@ template <class Writes, class Kernel>
 // Registers of the destination begin with a pixel: WriteAll, or KeepAlpha with pixels of 4 samples. The streaming form bypasses the
 // cache; its caller closes with streaming_fence().
 template <class Writes, Cache cache, class Kernel>
-[[gnu::noinline, gnu::flatten]] void convert_row(const SourceOf<Kernel>* src, DestinationOf<Kernel>* dst, ptrdiff_t n, const Kernel& kernel) {
+[[gnu::noinline, gnu::flatten]] void convert_row(const SourceOf<Kernel>* src, DestinationOf<Kernel>* dst, ptrdiff_t n,
+                                                 const Kernel& kernel) {
     using D = DestinationOf<Kernel>;
     const Kernel op = kernel; // in registers for the row
     ptrdiff_t i = 0;
@@ -60,7 +61,10 @@ template <class Writes, Cache cache, class Kernel>
         i = std::min<ptrdiff_t>(n, peel / int{sizeof(D)});
         if (i > 0) detail::convert_part<Writes>(src, dst, i, kernel);
     }
-    for (; i <= n - block; i += block) detail::convert_block<Writes, cache>(src + i, dst + i, op);
+    for (; i <= n - block; i += block) {
+        if constexpr (cache == Cache::streaming && sizeof(*src) > 1) prefetch(src + i, 2048); // such rows wait for what they read
+        detail::convert_block<Writes, cache>(src + i, dst + i, op);
+    }
     if (i < n) detail::convert_part<Writes>(src + i, dst + i, n - i, kernel);
 }
 

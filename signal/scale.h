@@ -40,7 +40,7 @@ template <class S> struct ScaleDownFast {
             const Vec<Lane> x = std::is_unsigned_v<S> ? as_lanes<Lane>(v) ^ min_of<Lane> : as_lanes<Lane>(v);
             return (x - (x >> 8)) >> (8 * sizeof(S) - 8);
         });
-        return detail::each<Zet8u>(converted<Zet8s>(top), [](Vec<Zet8s> v) { return as_lanes<Zet8u>(v) ^ Zet8u{0x80}; });
+        return detail::each<Zet8u>(converted<Zet8s>(top), [](Vec<Zet8s> v) { return as_lanes<Zet8u>(v) ^ Zet8u(0x80); });
     }
 };
 
@@ -51,10 +51,11 @@ template <class S> struct ScaleDownAccurate {
     using destination = Zet8u;
 
     auto operator()(const auto& g) const {
-        return detail::narrowed<Zet8u>(detail::each<Zet16u>(g, [](Vec<S> v) {
-            const Vec<Zet16u> x = std::is_signed_v<S> ? as_lanes<Zet16u>(v) ^ Zet16u{0x8000} : as_lanes<Zet16u>(v);
+        const auto quotients = detail::each<Zet16u>(g, [](Vec<S> v) {
+            const Vec<Zet16u> x = std::is_signed_v<S> ? as_lanes<Zet16u>(v) ^ Zet16u(0x8000) : as_lanes<Zet16u>(v);
             return multiply_high(add_saturating<Zet16u>(x, splat(Zet16u{128})), splat(Zet16u{65281})) >> 8;
-        }), narrow_to_8u);
+        });
+        return detail::narrowed<Zet8u>(quotients, narrow_to_8u);
     }
 };
 

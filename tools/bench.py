@@ -22,6 +22,8 @@ TARGETS = [
     ("streaming", r"(Add|Sub|AddC|MulC|Copy|Set)_(8u|16s|32f)_C[134]I?R(Sfs/scale=[01])?/4096x4096", 0.9),
     ("in cache", r"(Add|Sub|AddC|MulC|Copy|Set)_(8u|16s|32f)_C[134]I?R(Sfs/scale=0)?/256x256", 0.7),
     ("Div 32f", "Div_32f_.*" + SIZES, 0.3),
+    ("Convert streaming", r"Convert_(8u(16[us]|32[sf])|(16[us]|32[sf])8u)_C[134]R.*/4096x4096", 0.9),
+    ("Convert in cache", r"Convert_(8u(16[us]|32[sf])|(16[us]|32[sf])8u)_C[134]R.*/256x256", 0.7),
     ("logic, thresholds, comparisons, Abs streaming", r"(And|Or|Xor|Not|Complement|LShift|RShift|Threshold|Compare|Abs).*/4096x4096", 0.9),
     ("logic, thresholds, comparisons, Abs in cache", r"(And|Or|Xor|Not|Complement|LShift|RShift|Threshold|Compare|Abs).*/256x256", 0.7),
 ]

@@ -14,7 +14,8 @@ void show_convert(Gallery &gallery, const Photos &photos) {
     {
         const Image<Zet32f, 1> exact = drawn<Zet32f>(src.size, [](double x, double y) { return 4 + 3.4 * std::sin(5 * x + 2 * y); });
         const Grey cut(src.size), nearest(src.size);
-        Shot shot = gallery.shot("Steps", "A wave between 0.6 and 7.4 as whole numbers: towards zero, and to the nearest. Shown times 32.", src.size);
+        Shot shot = gallery.shot("Steps", "A wave between 0.6 and 7.4 as whole numbers: towards zero, and to the nearest. Shown times 32.",
+                                 src.size);
         shot.run(CALL(zetiConvert_32f8u_C1R(exact.p, exact.step, cut.p, cut.step, exact.size, zetRndZero)));
         shot.run(CALL(zetiConvert_32f8u_C1R(exact.p, exact.step, nearest.p, nearest.step, exact.size, zetRndNear)));
         const auto shown = [](auto v) { return v * 32.0; };
@@ -23,7 +24,9 @@ void show_convert(Gallery &gallery, const Photos &photos) {
     {
         const Image<Zet16s, 1> wide(src.size);
         const Grey dst(src.size);
-        Shot shot = gallery.shot("Room to overflow", "In 16 bits a gain of 3 loses nothing; what no longer fits the byte saturates only on the way back.", src.size);
+        Shot shot =
+            gallery.shot("Room to overflow",
+                         "In 16 bits a gain of 3 loses nothing; what no longer fits the byte saturates only on the way back.", src.size);
         shot.run(CALL(zetiConvert_8u16s_C1R(src.p, src.step, wide.p, wide.step, src.size)));
         shot.run(CALL(zetiMulC_16s_C1IRSfs(3, wide.p, wide.step, wide.size, 0)));
         shot.run(CALL(zetiConvert_16s8u_C1R(wide.p, wide.step, dst.p, dst.step, wide.size)));
