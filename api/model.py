@@ -2,7 +2,8 @@
 """The list of members: reads api/*.toml and multiplies every family out into its members.
 
 Vocabulary of the TOML files
-  [members.NAME]      a list of {types, layouts, suffixes}: the product of the three is the set of members
+  [members.NAME]      a list of {types, layouts, suffixes}: the product of the three is the set of members; one with `arguments` has
+                      that shape instead of its family's
   [arguments.NAME]    suffix -> list of arguments "kind name [step]"; Sfs appends the scale factor by itself
   [notes.NAME]        text shared by the reference pages of several families
   [[family]]          operation, members, arguments, template, header, returns (ZetStatus if not given) and the texts of
@@ -23,6 +24,7 @@ Argument kinds
   count                       likewise, of Zet32u whatever the sample type
   sample                      one constant of the sample type by value, whatever the layout
   value_out                   a pointer to a sample that the function writes
+  values_out, doubles_out, indices_out   results, one per colour channel: samples, Zet64f, Zet32s
   size, scale                 ZetiSize; the scale factor
   round_mode, cmp_op, alpha_type, hint   ZetRoundMode, ZetCmpOp, ZetAlphaType, ZetHintAlgorithm
   int, float                  a plain number (flags, extents, tolerances)
@@ -44,6 +46,7 @@ COLOURS = {**CHANNELS, "AC4": 3, "C3C": 1, "C4C": 1}
 PLAIN = {"size": "ZetiSize ", "scale": "int ", "int": "int ", "float": "Zet32f ", "int_out": "int *", "memory": "void *",
          "round_mode": "ZetRoundMode ", "cmp_op": "ZetCmpOp ", "hint": "ZetHintAlgorithm ", "alpha_type": "ZetAlphaType "}
 BY_VALUE = {"C1", "C3C", "C4C"}
+RESULTS = {"values_out": "", "doubles_out": "Zet64f", "indices_out": "Zet32s"}  # one per colour channel; "": of the sample type
 
 
 def split_types(token):
@@ -122,6 +125,9 @@ def _declare(text, types, layout):
         value_type = "Zet32u" if kind == "count" else destination_type
         declaration = f"{value_type} {name}" if by_value else f"const {value_type} {name}[{COLOURS[destination]}]"
         kind += "" if by_value else "s"
+    elif kind in RESULTS:
+        result = RESULTS[kind] or destination_type
+        declaration = f"{result} *{name}" if destination in BY_VALUE else f"{result} {name}[{COLOURS[destination]}]"
     else:
         plain = {"sample": f"{destination_type} ", "value_out": f"{destination_type} *", **PLAIN}
         declaration = plain[kind] + name
@@ -139,13 +145,12 @@ def _expand(family, members, shapes):
         for type_token in group["types"].split() or [""]:
             for layout in group["layouts"].split() or [""]:
                 for suffix in group["suffixes"].split() or [""]:
-                    yield _member(family, shapes, type_token, layout, suffix)
+                    yield _member(family, shapes[group.get("arguments", family.arguments)], type_token, layout, suffix)
 
 
-def _member(family, shapes, type_token, layout, suffix):
+def _member(family, shape, type_token, layout, suffix):
     types = tuple(split_types(type_token)) if type_token else ()
     form = suffix.removesuffix("Sfs")
-    shape = shapes[family.arguments]
     texts = list(shape[form] if isinstance(shape, dict) else shape)
     if suffix.endswith("Sfs"):
         texts.append("scale scaleFactor")

@@ -2,7 +2,7 @@
 """The reference manual as Markdown: one page per operation, an index by folder, and the table of statuses."""
 import re
 
-from model import COLOURS, ROOT, split_layout
+from model import BY_VALUE, COLOURS, RESULTS, ROOT, split_layout
 
 FOLDERS = {
     "core": "Library and image memory",
@@ -59,7 +59,7 @@ def link(status):
 
 # --- What a group of members has in common ---------------------------------------------------------------------------
 
-FIXED = ("mask", "mask_out", "count", "float")  # kinds whose type does not follow the sample type
+FIXED = ("mask", "mask_out", "count", "float", "doubles_out", "indices_out")  # kinds whose type does not follow the sample type
 
 
 def general(text, member, kind=""):
@@ -116,6 +116,9 @@ KINDS = {  # kind -> what it is, unit, range
     "count": ("the count", "bits", "any"),
     "counts": ("the counts, one for each colour channel", "bits", "not null"),
     "value_out": ("receives the result", "sample", "not null"),
+    "values_out": ("receives the result of each colour channel", "samples", "not null"),
+    "doubles_out": ("receives the result of each colour channel", "", "not null"),
+    "indices_out": ("receives the position of each colour channel's result", "pixels from the region's origin", "not null"),
     "cmp_op": ("the operator: `zetCmpLess`, `zetCmpLessEq`, `zetCmpEq`, `zetCmpGreaterEq`, `zetCmpGreater`", "", "any"),
     "size": ("the region", "pixels", "width and height at least 1"),
     "scale": ("the result is multiplied by 2 to the power of minus this", "", "any"),
@@ -182,7 +185,7 @@ def legend(members):
     lines = [f"{letters}, `L` a layout; the table shows which suffixes exist for each pair. Read `ZetT` as `Zet8u` for `8u`."]
     colours = {}
     for m in members:
-        if any(a.kind in ("values", "counts") for a in m.arguments):
+        if any(a.kind in ("values", "counts", *RESULTS) for a in m.arguments) and m.layout not in BY_VALUE:
             colours.setdefault(COLOURS[split_layout(m.layout)[1]], []).append(m.layout)
     parts = [f"{n} on {' and '.join(unique(layouts))}" for n, layouts in colours.items()]
     if any("*const" in a.declaration for m in members for a in m.arguments):
