@@ -67,7 +67,7 @@ public:
     }
 
 private:
-    static constexpr Value start = Side::template start<Value>;
+    static constexpr Value start = std::is_same_v<Term, Plain> ? Side::template start<Value> : Value{0}; // of magnitudes: 0
     static constexpr int period = Channels == 3 ? 3 : 1;
     // Comparisons of floats take their time: two sets of registers, so that they do not wait for one another.
     static constexpr int second = std::is_floating_point_v<Value> ? places : 0, registers = second + places;

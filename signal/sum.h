@@ -7,7 +7,8 @@
 
 namespace zeti {
 
-enum class Power { one, two };
+// What each term is multiplied by: nothing, itself, or its sign, which makes it a magnitude.
+enum class Factor { none, itself, sign };
 
 namespace detail {
 
@@ -21,20 +22,26 @@ template <int Channels, class V, int N, class S> void fold_lanes(const V (&acc)[
 }
 
 // Samples of 8 and 16 bits to lanes of 32, four samples at a time: use(j, v) is given the terms of samples 4j to 4j + 3 of two
-// registers, those of one added to those of the other.
-template <Power power, class U, class Use> [[gnu::always_inline]] inline void in_fours(Vec<U> x, Vec<U> y, Use use) {
+// registers, those of one added to those of the other. Samples of a single channel come in any order.
+template <Factor factor, int Channels, class U, class Use> [[gnu::always_inline]] inline void in_fours(Vec<U> x, Vec<U> y, Use use) {
     if constexpr (std::is_same_v<U, Zet16u>) { // there is no product of unsigned pairs
         for (const Vec<U> v : {x, y}) {
-            const auto wide = power == Power::one ? widen<U>(v) : interleave<U>(v * v, multiply_high(v, v));
+            const auto wide = factor == Factor::itself ? interleave<U>(v * v, multiply_high(v, v)) : widen<U>(v);
             use(0, wide.low), use(1, wide.high);
         }
     } else {
         const auto pair = [&](int j, auto v) __attribute__((always_inline)) { // two samples of one channel side by side
             const auto w = as_lanes<Zet16s>(v);
-            use(j, as_lanes<Zet32u>(multiply_add_pairs(w, power == Power::one ? splat(Zet16s{1}) : w)));
+            const auto by = factor == Factor::itself ? w : factor == Factor::sign ? (w >> 15) | 1 : splat(Zet16s{1});
+            use(j, as_lanes<Zet32u>(multiply_add_pairs(w, by)));
         };
         const auto pairs = interleave<U>(x, y);
-        if constexpr (std::is_same_v<U, Zet16s>) {
+        if constexpr (Channels == 1) {
+            for (const Vec<U> v : {x, y}) {
+                if constexpr (std::is_same_v<U, Zet16s>) pair(0, v);
+                else pair(0, as_lanes<Zet16u>(v) & 0xFF), pair(1, as_lanes<Zet16u>(v) >> 8);
+            }
+        } else if constexpr (std::is_same_v<U, Zet16s>) {
             pair(0, pairs.low), pair(1, pairs.high);
         } else {
             const auto low = widen<Zet8u>(as_lanes<Zet8u>(pairs.low)), high = widen<Zet8u>(as_lanes<Zet8u>(pairs.high));
@@ -65,11 +72,11 @@ private:
 
 // Lanes of 32 bits, whose blocks are such that each channel's sum of a block fits 32 bits with its sign. Differences of 16u alone have
 // longer ones, and their sums wrap (ownpis_NormL1Diff_16u_C1); the blocks of ownpis_Sum_16u_C1 are half as long.
-template <Power power, class Term, class T, int Channels> struct NarrowSum {
+template <Factor factor, class Term, class T, int Channels> struct NarrowSum {
     using U = ValueOf<Term, T>;
     static constexpr int channels = Channels, places = places_of<Channels>;
     static constexpr bool wraps = std::is_same_v<T, Zet16u> && std::is_same_v<Term, Difference>;
-    static constexpr bool bytes = std::is_same_v<T, Zet8u> && power == Power::one;
+    static constexpr bool bytes = std::is_same_v<T, Zet8u> && factor != Factor::itself;
     static constexpr ptrdiff_t block = bytes ? 0x808080 : wraps ? 65536 : 32768;
     // 16u: the top bit of a total is no sign, but where negative blocks were added.
     using Total = std::conditional_t<std::is_same_v<T, Zet16u> && !wraps, uint64_t, Zet64s>;
@@ -85,34 +92,41 @@ template <Power power, class Term, class T, int Channels> struct NarrowSum {
 
 private:
     template <int p> void add_terms(Vec<U> x, Vec<U> y) {
-        detail::in_fours<power, U>(x, y, [&](int j, Vec<Zet32u> v) { acc[(p * (lanes<T> / 4) + j) % places] += v; });
+        detail::in_fours<factor, Channels, U>(x, y, [&](int j, Vec<Zet32u> v) { acc[(p * (lanes<T> / 4) + j) % places] += v; });
     }
 };
 
-// Lanes of 64 bits: squares of 16 bits.
+// Lanes of 64 bits: squares of 16 bits, whose sums of two fill 32. What is added is two of these side by side, and the upper one once
+// more by itself; both sums wrap, and the lower one is what is left of the first without the second.
 template <class Term, class T, int Channels> struct WideSum {
     using U = ValueOf<Term, T>;
     static constexpr int channels = Channels, places = places_of<Channels>;
     static constexpr ptrdiff_t block = detail::any_number;
     using Total = uint64_t;
-    Vec<uint64_t> acc[2 * places] = {};
+    Vec<uint64_t> both[places] = {}, upper[places] = {};
 
     template <int p, int N> void add(const Registers<T, N>& x, const Registers<T, N>& y) { add_squares<p>(Term::of(x), Term::of(y)); }
     template <int p, int N> void add_rest(const Registers<T, N>& x, int) { add_squares<p>(Term::of(x), Vec<U>{}); }
-    void add_to(Total (&totals)[Channels]) const { detail::fold_lanes(acc, totals); }
+    void add_to(Total (&totals)[Channels]) const {
+        for (int m = 0; m < places; ++m)
+            for (int k = 0; k < 2; ++k) {
+                const uint64_t odd = upper[m][k];
+                totals[(4 * m + 2 * k) % Channels] += both[m][k] - (odd << 32);
+                totals[(4 * m + 2 * k + 1) % Channels] += odd;
+            }
+    }
 
 private:
     template <int p> void add_squares(Vec<U> x, Vec<U> y) {
-        detail::in_fours<Power::two, U>(x, y, [&](int j, Vec<Zet32u> v) {
-            const auto wide = widen<Zet32u>(v);
-            const int m = 2 * ((2 * p + j) % places);
-            acc[m] += wide.low, acc[m + 1] += wide.high;
+        detail::in_fours<Factor::itself, Channels, U>(x, y, [&](int j, Vec<Zet32u> v) {
+            const auto two = as_lanes<uint64_t>(v);
+            both[(2 * p + j) % places] += two, upper[(2 * p + j) % places] += two >> 32;
         });
     }
 };
 
 // Single precision: a row at a time. Four samples of each channel and more are summed side by side, then together.
-template <Power power, class Term, int Channels> struct FloatSum {
+template <Factor factor, class Term, int Channels> struct FloatSum {
     using Total = Zet64f;
     static constexpr int channels = Channels, places = places_of<Channels>;
     static constexpr ptrdiff_t block = detail::any_number;
@@ -133,12 +147,12 @@ template <Power power, class Term, int Channels> struct FloatSum {
 private:
     template <int N> static Vec<Zet32f> term(const Registers<Zet32f, N>& x) {
         const Vec<Zet32f> v = Term::of(x);
-        return power == Power::one ? v : v * v;
+        return factor == Factor::itself ? v * v : v;
     }
 };
 
 // Double precision throughout: samples are widened before differences and squares are taken.
-template <Power power, class Term, int Channels> struct DoubleSum {
+template <Factor factor, class Term, int Channels> struct DoubleSum {
     using Total = Zet64f;
     static constexpr int channels = Channels, places = places_of<Channels>;
     static constexpr ptrdiff_t block = detail::any_number;
@@ -158,22 +172,27 @@ template <Power power, class Term, int Channels> struct DoubleSum {
 private:
     template <int N> static Vec<Zet64f> term(const Registers<Zet64f, N>& x) {
         const Vec<Zet64f> v = Term::of(x);
-        return power == Power::one ? v : v * v;
+        return factor == Factor::itself ? v * v : v;
     }
 };
 
 namespace detail {
-template <Power power, class Term, class T, int Channels, bool accurate> auto sum_kernel() {
+template <Factor factor, class Term, class T, int Channels, bool accurate> auto sum_kernel() {
     if constexpr (std::is_same_v<T, Zet32f>) {
-        if constexpr (accurate) return DoubleSum<power, Term, Channels>();
-        else return FloatSum<power, Term, Channels>();
-    } else if constexpr (std::is_same_v<T, Zet8u> && Channels == 1 && power == Power::one) return ByteSum<Term>();
-    else if constexpr (std::is_same_v<T, Zet8u> || power == Power::one) return NarrowSum<power, Term, T, Channels>();
+        if constexpr (accurate) return DoubleSum<factor, Term, Channels>();
+        else return FloatSum<factor, Term, Channels>();
+    } else if constexpr (std::is_same_v<T, Zet8u> && Channels == 1 && factor == Factor::none) return ByteSum<Term>();
+    else if constexpr (std::is_same_v<T, Zet8u> || factor != Factor::itself) return NarrowSum<factor, Term, T, Channels>();
     else return WideSum<Term, T, Channels>();
 }
+
+// Magnitudes of 16s come from a product that is made anyway.
+template <class Term, class T> inline constexpr bool by_sign = std::is_same_v<T, Zet16s> && std::is_same_v<Term, Magnitude>;
 } // namespace detail
 
-template <Power power, class Term, class T, int Channels, bool accurate>
-using Sum = decltype(detail::sum_kernel<power, Term, T, Channels, accurate>());
+template <class Term, class T, int Channels, bool accurate>
+using Sum = decltype(detail::sum_kernel<detail::by_sign<Term, T> ? Factor::sign : Factor::none, std::conditional_t<detail::by_sign<Term, T>, Plain, Term>, T, Channels, accurate>());
+
+template <class Term, class T, int Channels, bool accurate> using SumOfSquares = decltype(detail::sum_kernel<Factor::itself, Term, T, Channels, accurate>());
 
 } // namespace zeti

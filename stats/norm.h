@@ -12,8 +12,8 @@ namespace detail {
 
 template <NormType N, class Term, class T, class L, bool accurate> auto norm_reduction() {
     constexpr int channels = L::channels;
-    if constexpr (N == zetiNormL1) return std::type_identity<SumReduction<Sum<Power::one, Term, T, channels, accurate>>>();
-    else if constexpr (N == zetiNormL2) return std::type_identity<SumReduction<Sum<Power::two, Term, T, channels, accurate>>>();
+    if constexpr (N == zetiNormL1) return std::type_identity<SumReduction<Sum<Term, T, channels, accurate>>>();
+    else if constexpr (N == zetiNormL2) return std::type_identity<SumReduction<SumOfSquares<Term, T, channels, accurate>>>();
     else if constexpr (std::is_same_v<T, Zet32s>) return std::type_identity<LargestReduction<LargestMagnitude32s>>();
     else return std::type_identity<LargestReduction<Extreme<Greatest, Term, T, channels>>>();
 }

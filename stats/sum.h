@@ -11,7 +11,7 @@ template <class T, class L> ZetStatus sum(const T* pSrc, int srcStep, ZetiSize r
     [[maybe_unused]] const FloatState held;
     by_hint<T>(hint, [&](auto accurate) {
         Zet64f sums[4];
-        reduce<SumReduction<Sum<Power::one, Plain, T, L::channels, accurate>>, L>(sums, roiSize, Src<T>{pSrc, srcStep});
+        reduce<SumReduction<Sum<Plain, T, L::channels, accurate>>, L>(sums, roiSize, Src<T>{pSrc, srcStep});
         std::copy_n(sums, L::colours, pSum);
     });
     return zetStsNoErr;
