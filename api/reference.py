@@ -78,7 +78,8 @@ def shapes(members):
     return found
 
 
-def declaration(shape, members):
+def declaration(shape, members, family):
+    """`family`: all members; types are told where another shape has the same name but for its type."""
     suffix, result, parameters = shape
     types, layouts = unique(m.types for m in members), unique(m.layout for m in members)
     letters = "" if types == [()] else "T" if len(types[0]) == 1 else "SD"
@@ -88,7 +89,10 @@ def declaration(shape, members):
     text = head + ", ".join(parameters) + ");"
     if len(text) > 110:  # one argument a line, steps with their images
         text = head + "\n    " + re.sub(r", (?!int \w+Step\b)", ",\n    ", ", ".join(parameters)) + ");"
-    return (f"/* L: {', '.join(layouts)} */\n" if len(layouts) > 1 else "") + text
+    alike = {m.types for m in family if m.suffix == suffix and m.layout in layouts}
+    told = [f"T: {', '.join(''.join(t) for t in types)}"] if len(types) < len(alike) else []
+    told += [f"L: {', '.join(layouts)}"] if len(layouts) > 1 else []
+    return (f"/* {'; '.join(told)} */\n" if told else "") + text
 
 
 def matrix(members):
@@ -203,7 +207,7 @@ def page(family, members, notes, known):
     lines = [MADE, f"# {family.operation}", "", f"{family.brief}."]
     if family.formula:
         lines += ["", f"    {family.formula}", *(["", f"By {family.author}."] if family.author else [])]
-    declared = "\n\n".join(declaration(shape, group) for shape, group in shapes(members).items())
+    declared = "\n\n".join(declaration(shape, group, members) for shape, group in shapes(members).items())
     lines += section("Declarations", ["```c", declared, "```", *(["", *legend(members)] if legend(members) else [])])
     if members[0].types:
         lines += section("Types and layouts", matrix(members))

@@ -29,8 +29,12 @@ public:
     Extreme() {
         for (auto& v : best_) v = splat(start);
     }
-    template <int p, int N> void add(const Registers<T, N>& x, const Registers<T, N>& y) { take<p>(Term::of(x)), take<second + p>(Term::of(y)); }
-    template <int p, int N> void add_rest(const Registers<T, N>& x, int n) { take<p>(select<Value>(detail::first_lanes<Value>(n), Term::of(x), splat(start))); }
+    template <int p, int N> void add(const Registers<T, N>& x, const Registers<T, N>& y) {
+        take<p>(Term::of(x)), take<second + p>(Term::of(y));
+    }
+    template <int p, int N> void add_rest(const Registers<T, N>& x, int n) {
+        take<p>(select<Value>(detail::first_lanes<Value>(n), Term::of(x), splat(start)));
+    }
 
     // The best of each channel.
     void values(Value (&result)[Channels]) const {
@@ -60,7 +64,8 @@ public:
     template <int Colours> bool complete() const {
         uint64_t seen = 0; // a bit per byte
         for (int m = 0; m < registers; ++m)
-            seen |= static_cast<uint64_t>(_mm_movemask_epi8(raw(best_[m] == Side::template limit<Value>))) << (register_bytes * (m % period));
+            seen |= static_cast<uint64_t>(_mm_movemask_epi8(raw(best_[m] == Side::template limit<Value>)))
+                    << (register_bytes * (m % period));
         for (int c = 0; c < Colours; ++c)
             if ((seen & lanes_of_channel(c)) == 0) return false;
         return true;
@@ -88,8 +93,12 @@ template <class T, int Channels> struct Extremes {
     Extreme<Least, Plain, T, Channels> least;
     Extreme<Greatest, Plain, T, Channels> greatest;
 
-    template <int p> void add(const Registers<T, 1>& x, const Registers<T, 1>& y) { least.template add<p>(x, y), greatest.template add<p>(x, y); }
-    template <int p> void add_rest(const Registers<T, 1>& x, int n) { least.template add_rest<p>(x, n), greatest.template add_rest<p>(x, n); }
+    template <int p> void add(const Registers<T, 1>& x, const Registers<T, 1>& y) {
+        least.template add<p>(x, y), greatest.template add<p>(x, y);
+    }
+    template <int p> void add_rest(const Registers<T, 1>& x, int n) {
+        least.template add_rest<p>(x, n), greatest.template add_rest<p>(x, n);
+    }
     template <int Colours> bool complete() const { return least.template complete<Colours>() && greatest.template complete<Colours>(); }
 };
 

@@ -41,7 +41,8 @@ template <class Side, class T, class L> ZetStatus extreme(const T* pSrc, int src
     if (ZetStatus bad = first(null(pSrc, pBest), size(roiSize))) return bad;
     [[maybe_unused]] const FloatState held;
     Extreme<Side, Plain, T, L::channels> best;
-    detail::scan_rows(best, Src<T>{pSrc, srcStep}, roiSize, [&](ptrdiff_t) { return detail::has_limit<T> && best.template complete<L::colours>(); });
+    detail::scan_rows(best, Src<T>{pSrc, srcStep}, roiSize,
+                      [&](ptrdiff_t) { return detail::has_limit<T> && best.template complete<L::colours>(); });
     detail::copy_values<L>(best, pBest);
     return zetStsNoErr;
 }
@@ -51,7 +52,8 @@ template <class T, class L> ZetStatus min_max(const T* pSrc, int srcStep, ZetiSi
     if (ZetStatus bad = first(null(pSrc, pMin, pMax), size(roiSize))) return bad;
     [[maybe_unused]] const FloatState held;
     Extremes<T, L::channels> both;
-    detail::scan_rows(both, Src<T>{pSrc, srcStep}, roiSize, [&](ptrdiff_t) { return sizeof(T) == 2 && both.template complete<L::colours>(); });
+    detail::scan_rows(both, Src<T>{pSrc, srcStep}, roiSize,
+                      [&](ptrdiff_t) { return sizeof(T) == 2 && both.template complete<L::colours>(); });
     detail::copy_values<L>(both.least, pMin);
     detail::copy_values<L>(both.greatest, pMax);
     return zetStsNoErr;
@@ -59,7 +61,8 @@ template <class T, class L> ZetStatus min_max(const T* pSrc, int srcStep, ZetiSi
 
 // MaxIndx, MinIndx: the first in the order of the rows. A row counts only if it beats the rows above, so the lanes begin each row with the
 // best so far in all of them (ownpis_Max_8u_C3 and its siblings).
-template <class Side, class T, class L> ZetStatus extreme_index(const T* pSrc, int srcStep, ZetiSize roiSize, T* pBest, Zet32s* pIndexX, Zet32s* pIndexY) {
+template <class Side, class T, class L>
+ZetStatus extreme_index(const T* pSrc, int srcStep, ZetiSize roiSize, T* pBest, Zet32s* pIndexX, Zet32s* pIndexY) {
     if (ZetStatus bad = first(null(pSrc, pBest, pIndexX, pIndexY), size(roiSize))) return bad;
     [[maybe_unused]] const FloatState held;
     const Src<T> src{pSrc, srcStep};

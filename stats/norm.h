@@ -33,9 +33,12 @@ template <class T> ZetStatus check_norm(ZetStatus nulls, ZetStatus sizes, ZetSta
 
 // Wide 8u images take the root of each strip of columns and add its square: the last bit tells it from a single root. Kept on purpose.
 inline constexpr int l2_strip = 32768;
-template <NormType N, class T> constexpr bool in_strips(ZetiSize roi) { return N == zetiNormL2 && std::is_same_v<T, Zet8u> && roi.width > l2_strip; }
+template <NormType N, class T> constexpr bool in_strips(ZetiSize roi) {
+    return N == zetiNormL2 && std::is_same_v<T, Zet8u> && roi.width > l2_strip;
+}
 
-template <NormType N, class Term, class L, class... T> void norm_values(Zet64f (&values)[4], ZetiSize roi, ZetHintAlgorithm hint, Src<T>... src) {
+template <NormType N, class Term, class L, class... T>
+void norm_values(Zet64f (&values)[4], ZetiSize roi, ZetHintAlgorithm hint, Src<T>... src) {
     using Sample = std::common_type_t<T...>;
     if (in_strips<N, Sample>(roi)) {
         Zet64f strip[4], sums[4] = {};
@@ -48,9 +51,8 @@ template <NormType N, class Term, class L, class... T> void norm_values(Zet64f (
         for (int c = 0; c < L::colours; ++c) values[c] = square_root(sums[c]);
         return;
     }
-    by_hint<Sample>(N == zetiNormInf ? zetAlgHintNone : hint, [&](auto accurate) {
-        reduce<NormReduction<N, Term, Sample, L, accurate>, L>(values, roi, src...);
-    });
+    by_hint<Sample>(N == zetiNormInf ? zetAlgHintNone : hint,
+                    [&](auto accurate) { reduce<NormReduction<N, Term, Sample, L, accurate>, L>(values, roi, src...); });
     if constexpr (N == zetiNormL2)
         for (int c = 0; c < L::colours; ++c) values[c] = square_root(values[c]);
 }
@@ -69,7 +71,8 @@ inline Zet64f owniNorm_Inf_16s_C1(Src<Zet16s> src, ZetiSize roi) {
 
 } // namespace detail
 
-template <NormType N, class T, class L> ZetStatus norm(const T* pSrc, int srcStep, ZetiSize roiSize, Zet64f* pValue, ZetHintAlgorithm hint = zetAlgHintNone) {
+template <NormType N, class T, class L>
+ZetStatus norm(const T* pSrc, int srcStep, ZetiSize roiSize, Zet64f* pValue, ZetHintAlgorithm hint = zetAlgHintNone) {
     using namespace detail;
     constexpr bool sum16u = N == zetiNormL1 && std::is_same_v<T, Zet16u>;
     const ZetStatus nulls = null(pSrc, pValue), sizes = size(roiSize), steps = step(srcStep);
@@ -88,7 +91,8 @@ template <NormType N, class T, class L> ZetStatus norm(const T* pSrc, int srcSte
 }
 
 template <NormType N, class T, class L>
-ZetStatus norm_diff(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, ZetiSize roiSize, Zet64f* pValue, ZetHintAlgorithm hint = zetAlgHintNone) {
+ZetStatus norm_diff(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, ZetiSize roiSize, Zet64f* pValue,
+                    ZetHintAlgorithm hint = zetAlgHintNone) {
     using namespace detail;
     if (ZetStatus bad = check_norm<T>(null(pSrc1, pSrc2, pValue), size(roiSize), step(src1Step, src2Step))) return bad;
     [[maybe_unused]] const FloatState held;

@@ -12,15 +12,16 @@ inline constexpr Zet64f zetDblMin = 2.2250738585072014e-308; // below it a denom
 namespace detail {
 
 enum class Quotient {
-    plain,            // of two norms without a root; zero denominator: the numerators
+    plain, // of two norms without a root; zero denominator: the numerators
     plain_or_nothing, // zero denominator: pValue is left alone
-    of_roots,         // zero denominator: the roots of the numerators
-    under_root,       // a single root; zero denominator: the roots of the numerators
+    of_roots, // zero denominator: the roots of the numerators
+    under_root, // a single root; zero denominator: the roots of the numerators
     under_root_or_squares // zero denominator: the numerators without a root
 };
 
 template <NormType N, class T, class L> constexpr Quotient quotient_of(bool accurate) {
-    constexpr bool c1 = L::channels == 1, c3 = L::channels == 3, is8u = std::is_same_v<T, Zet8u>, is16u = std::is_same_v<T, Zet16u>, is16s = std::is_same_v<T, Zet16s>;
+    constexpr bool c1 = L::channels == 1, c3 = L::channels == 3, is8u = std::is_same_v<T, Zet8u>, is16u = std::is_same_v<T, Zet16u>,
+                   is16s = std::is_same_v<T, Zet16s>;
     if (N == zetiNormInf) return !c1 && (is16u || is16s) ? Quotient::plain_or_nothing : Quotient::plain;
     if (N == zetiNormL1) return Quotient::plain;
     if (c1) return Quotient::under_root;
@@ -29,7 +30,8 @@ template <NormType N, class T, class L> constexpr Quotient quotient_of(bool accu
 }
 
 // Both reductions in one pass, before any root.
-template <NormType N, class T, class L, bool accurate> void norm_rel_parts(Zet64f (&above)[4], Zet64f (&below)[4], ZetiSize roi, Src<T> src1, Src<T> src2) {
+template <NormType N, class T, class L, bool accurate>
+void norm_rel_parts(Zet64f (&above)[4], Zet64f (&below)[4], ZetiSize roi, Src<T> src1, Src<T> src2) {
     NormReduction<N, Difference, T, L, accurate> difference(roi);
     NormReduction<N, NormTerm<N>, T, L, accurate> norm(roi);
     for (ptrdiff_t y = 0; y < roi.height; ++y) {
@@ -54,7 +56,8 @@ template <Quotient quotient, int Colours> ZetStatus divide_norms(const Zet64f (&
 } // namespace detail
 
 template <NormType N, class T, class L>
-ZetStatus norm_rel(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, ZetiSize roiSize, Zet64f* pValue, ZetHintAlgorithm hint = zetAlgHintNone) {
+ZetStatus norm_rel(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, ZetiSize roiSize, Zet64f* pValue,
+                   ZetHintAlgorithm hint = zetAlgHintNone) {
     using namespace detail;
     if (ZetStatus bad = check_norm<T>(null(pSrc1, pSrc2, pValue), size(roiSize), step(src1Step, src2Step))) return bad;
     [[maybe_unused]] const FloatState held;

@@ -6,7 +6,8 @@
 
 namespace zeti {
 
-template <class T, class L> ZetStatus sum(const T* pSrc, int srcStep, ZetiSize roiSize, Zet64f* pSum, ZetHintAlgorithm hint = zetAlgHintNone) {
+template <class T, class L>
+ZetStatus sum(const T* pSrc, int srcStep, ZetiSize roiSize, Zet64f* pSum, ZetHintAlgorithm hint = zetAlgHintNone) {
     if (ZetStatus bad = first(null(pSrc, pSum), size(roiSize))) return bad;
     [[maybe_unused]] const FloatState held;
     by_hint<T>(hint, [&](auto accurate) {
@@ -19,7 +20,8 @@ template <class T, class L> ZetStatus sum(const T* pSrc, int srcStep, ZetiSize r
 
 // One channel is divided by the number of pixels, several are multiplied by its reciprocal: kept on purpose. The number is of 32 bits
 // and has a sign.
-template <class T, class L> ZetStatus mean(const T* pSrc, int srcStep, ZetiSize roiSize, Zet64f* pMean, ZetHintAlgorithm hint = zetAlgHintNone) {
+template <class T, class L>
+ZetStatus mean(const T* pSrc, int srcStep, ZetiSize roiSize, Zet64f* pMean, ZetHintAlgorithm hint = zetAlgHintNone) {
     if (ZetStatus bad = null(pMean)) return bad;
     Zet64f sums[4];
     if (ZetStatus bad = sum<T, L>(pSrc, srcStep, roiSize, sums, hint)) return bad;

@@ -78,7 +78,9 @@ TEST(Extrema, EveryMemberAtEveryWidth) {
             EXPECT_EQ(after, state) << f.name();
             Results<T> expected = f.expected(image);
             for (int c = 0; is_float<T> && f.indexed() && c < f.layout.colours; ++c) // no sample was better than the start value
-                if (expected.x[c] == 0 && expected.y[c] == 0) expected.x[c] = got.x[c] * (got.y[c] == 0 && image.at(0, got.x[c] * f.layout.channels + c) == (f.finds_max() ? got.greatest : got.least)[c]);
+                if (expected.x[c] == 0 && expected.y[c] == 0)
+                    expected.x[c] = got.x[c] * (got.y[c] == 0 && image.at(0, got.x[c] * f.layout.channels + c) ==
+                                                                     (f.finds_max() ? got.greatest : got.least)[c]);
             return status == zetStsNoErr && got == expected && image.intact();
         };
         for (int width = 1; width <= 60; ++width) ASSERT_TRUE(check(width, r.between(1, 9))) << f.name() << ' ' << width;
@@ -122,7 +124,8 @@ TEST(Extrema, TheFirstOfEqualsCounts) {
             for (const auto& [x, y] : {std::pair{20 + c, 1 + c}, {33, 1 + c}, {2, 2 + c}}) image.set(y, x * f.layout.channels + c, best);
         Results<T> got;
         f(image.data(), image.step, {40, 7}, got);
-        for (int c = 0; c < f.layout.colours; ++c) EXPECT_TRUE(got.x[c] == 20 + c && got.y[c] == 1 + c) << f.name() << got.x[c] << ' ' << got.y[c];
+        for (int c = 0; c < f.layout.colours; ++c)
+            EXPECT_TRUE(got.x[c] == 20 + c && got.y[c] == 1 + c) << f.name() << got.x[c] << ' ' << got.y[c];
     });
 }
 
@@ -134,7 +137,8 @@ TEST(Extrema, FloatsBeyondNumbers) {
             std::vector<Zet32f> image(100 * l.channels, filler);
             const int step = 20 * l.channels * 4;
             Results<Zet32f> max, min;
-            Extremes<Zet32f>{"MaxIndx", l}(image.data(), step, {20, 5}, max), Extremes<Zet32f>{"MinIndx", l}(image.data(), step, {20, 5}, min);
+            Extremes<Zet32f>{"MaxIndx", l}(image.data(), step, {20, 5}, max),
+                Extremes<Zet32f>{"MinIndx", l}(image.data(), step, {20, 5}, min);
             EXPECT_EQ(max.greatest[l.colours - 1], filler == infinity ? infinity : -largest);
             EXPECT_EQ(min.least[l.colours - 1], filler == -infinity ? -infinity : largest);
             EXPECT_EQ(max.x[0] + max.y[0] + min.x[0] + min.y[0], 0);
@@ -174,7 +178,9 @@ template <class T> struct Every {
 TEST(Every, EveryMemberAtEveryWidth) {
     for (const bool greatest : {true, false}) {
         Checksum sum;
-        each_layout([&](auto type, const PixelLayout& l) { check_widths(Every<decltype(type)>{greatest, l}, &sum), check_order(Every<decltype(type)>{greatest, l}); });
+        each_layout([&](auto type, const PixelLayout& l) {
+            check_widths(Every<decltype(type)>{greatest, l}, &sum), check_order(Every<decltype(type)>{greatest, l});
+        });
         EXPECT_TRUE(sum.is_known(__FILE__, greatest ? "MaxEvery" : "MinEvery"));
     }
 }

@@ -15,7 +15,8 @@ constexpr Zet64f mark = -12345;
 template <class T> void fill(Image<T>& image, Random& r) {
     const auto pattern = r.pattern();
     for (int y = 0; y < image.height; ++y)
-        for (int i = 0; i < image.row_samples(); ++i) image.set(y, i, is_float<T> ? static_cast<T>(r.between(-60, 60)) : r.sample<T>(pattern, i));
+        for (int i = 0; i < image.row_samples(); ++i)
+            image.set(y, i, is_float<T> ? static_cast<T>(r.between(-60, 60)) : r.sample<T>(pattern, i));
 }
 
 // The norm of one channel, or of a difference, before any root.
@@ -53,7 +54,8 @@ template <class Use> void each_norm(Use use) {
 }
 
 // `zeros`: the second image is zero on its last colour channel.
-template <class T> void check(const Reduction<T>& f, const std::string& norm, ZetHintAlgorithm hint, Random& r, int width, int height, bool zeros) {
+template <class T>
+void check(const Reduction<T>& f, const std::string& norm, ZetHintAlgorithm hint, Random& r, int width, int height, bool zeros) {
     const int channels = f.layout.channels, colours = f.layout.colours;
     Image<T> a(r, width, height, channels), b(r, width, height, channels);
     fill(a, r), fill(b, r);
@@ -83,14 +85,17 @@ template <class T> void check(const Reduction<T>& f, const std::string& norm, Ze
     EXPECT_EQ(status, rel && zeros ? zetStsDivByZero : zetStsNoErr) << f.name();
     EXPECT_EQ(standin_thread_queries(), asked) << f.name();
     EXPECT_TRUE(a.intact() && b.intact()) << f.name();
-    for (int c = 0; c < 5; ++c) ASSERT_EQ(values[c], expected[c]) << f.name() << " channel " << c << ", " << width << " x " << height << ", hint " << hint << (zeros ? ", zeros" : "");
+    for (int c = 0; c < 5; ++c)
+        ASSERT_EQ(values[c], expected[c]) << f.name() << " channel " << c << ", " << width << " x " << height << ", hint " << hint
+                                          << (zeros ? ", zeros" : "");
 }
 
 TEST(Norms, EveryMemberAtEveryWidth) {
     each_norm([](const auto& f, const std::string& norm, ZetHintAlgorithm hint) {
         Random r(f.name());
         for (int width = 1; width <= 40; ++width) check(f, norm, hint, r, width, r.between(1, 3), false);
-        for (const int width : {47, 64, 65, 200, 257, 1000}) check(f, norm, hint, r, width, 2, false), check(f, norm, hint, r, width / 9, 2, true);
+        for (const int width : {47, 64, 65, 200, 257, 1000})
+            check(f, norm, hint, r, width, 2, false), check(f, norm, hint, r, width / 9, 2, true);
     });
 }
 
@@ -100,7 +105,7 @@ TEST(Norms, ChecksInTheirOrder) {
         const T samples[16] = {};
         Zet64f values[4] = {mark, mark, mark, mark};
         const bool sum16u = f.family == "Norm_L1" && std::is_same_v<T, Zet16u>;
-        const std::vector<ZetStatus> order = sum16u ? std::vector{zetStsStepErr, zetStsNullPtrErr, zetStsSizeErr}
+        const std::vector<ZetStatus> order = sum16u                      ? std::vector{zetStsStepErr, zetStsNullPtrErr, zetStsSizeErr}
                                              : std::is_same_v<T, Zet16u> ? std::vector{zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}
                                                                          : std::vector{zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr};
         (void)norm;
@@ -113,7 +118,9 @@ TEST(Norms, ChecksInTheirOrder) {
 
 // --- Wide images ---------------------------------------------------------------------------------------------------------
 
-template <class T> Zet64f of_rows(const std::string& family, const PixelLayout& l, const std::vector<T>& a, const std::vector<T>& b, int width, int height = 1) {
+template <class T>
+Zet64f of_rows(const std::string& family, const PixelLayout& l, const std::vector<T>& a, const std::vector<T>& b, int width,
+               int height = 1) {
     Zet64f values[4] = {};
     EXPECT_EQ((Reduction<T>{family, l}(a.data(), int{sizeof(T)}, b.data(), int{sizeof(T)}, {width, height}, values)), zetStsNoErr);
     return values[l.colours - 1];
@@ -146,7 +153,8 @@ TEST(WideNorms, StripsOf8uAreRootedTwice) {
                     EXPECT_EQ(got, width > 32768 ? std::sqrt(strips) : std::sqrt(whole)) << l.name << ' ' << width;
                     differences += got != std::sqrt(whole);
                     if (!diff) continue;
-                    const Zet64f norm = of_rows<Zet8u>("Norm_L2", l, b, b, width, height), rel = of_rows<Zet8u>("NormRel_L2", l, a, b, width, height);
+                    const Zet64f norm = of_rows<Zet8u>("Norm_L2", l, b, b, width, height),
+                                 rel = of_rows<Zet8u>("NormRel_L2", l, a, b, width, height);
                     EXPECT_EQ(rel, l.channels > 1 ? got / norm : std::sqrt(whole / std::round(norm * norm))) << l.name << ' ' << width;
                 }
             }
@@ -173,10 +181,13 @@ TEST(WideNorms, BlocksOf16uDifferencesWrap) {
 // Integers of more than 53 bits are rounded once, whether or not bit 63 is a part of them.
 TEST(WideNorms, SumsAreRoundedOnce) {
     const auto check = []<class T>(const PixelLayout& l, int width, int height, T sample) {
-        const std::vector<T> a(static_cast<size_t>(width) * l.channels + static_cast<size_t>(height), sample), zeros(a.size(), 0); // rows one sample apart
-        const std::uint64_t squares = static_cast<std::uint64_t>(Zet64s{sample} * sample) * static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+        const std::vector<T> a(static_cast<size_t>(width) * l.channels + static_cast<size_t>(height), sample),
+            zeros(a.size(), 0); // rows one sample apart
+        const std::uint64_t squares =
+            static_cast<std::uint64_t>(Zet64s{sample} * sample) * static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
         EXPECT_EQ(of_rows("Norm_L2", l, a, a, width, height), std::sqrt(static_cast<Zet64f>(squares))) << token<T>() << l.name;
-        if (height == 1) EXPECT_EQ(of_rows("NormDiff_L2", l, zeros, a, width, height), std::sqrt(static_cast<Zet64f>(squares))) << token<T>() << l.name;
+        if (height > 1) return;
+        EXPECT_EQ(of_rows("NormDiff_L2", l, zeros, a, width, height), std::sqrt(static_cast<Zet64f>(squares))) << token<T>() << l.name;
     };
     for (const PixelLayout& l : pixel_layouts) check(l, 3000001, 1, Zet16u{65535}), check(l, 9000001, 1, Zet16s{-32767});
     check(pixel_layouts[0], 65537, 32770, Zet16u{65535}); // 2^63 and more
@@ -205,7 +216,9 @@ TEST(NormInf, LeastOf16s) {
             image.set(0, width - 1, extreme);
             const bool stops = width >= 8 && extreme != -32767;
             Zet64f value = mark;
-            EXPECT_EQ((Reduction<Zet16s>{"Norm_Inf", pixel_layouts[0]}(image.data(), image.step, nullptr, 0, {width, stops ? 3 : 1}, &value)), zetStsNoErr);
+            EXPECT_EQ(
+                (Reduction<Zet16s>{"Norm_Inf", pixel_layouts[0]}(image.data(), image.step, nullptr, 0, {width, stops ? 3 : 1}, &value)),
+                zetStsNoErr);
             EXPECT_EQ(value, extreme == -32768 && !stops ? 32768 : 32767) << width << ' ' << extreme;
         }
     }
@@ -216,7 +229,8 @@ TEST(NormInf, LeastOf16s) {
 }
 
 TEST(NormInf, FloatsPassNaNs) {
-    const Zet32f samples[8] = {NAN, -3, NAN, 2, NAN, -NAN, 0, NAN}, infinite[8] = {1, -INFINITY, NAN, 0, 0, 0, 0, 0}, nothing[8] = {NAN, NAN, NAN, NAN, NAN, NAN, NAN, NAN};
+    const Zet32f samples[8] = {NAN, -3, NAN, 2, NAN, -NAN, 0, NAN}, infinite[8] = {1, -INFINITY, NAN, 0, 0, 0, 0, 0},
+                 nothing[8] = {NAN, NAN, NAN, NAN, NAN, NAN, NAN, NAN};
     Zet64f value = mark;
     const Reduction<Zet32f> f{"Norm_Inf", pixel_layouts[0]};
     for (const auto& [row, norm] : {std::pair{samples, 3.0}, {infinite, std::numeric_limits<double>::infinity()}, {nothing, 0.0}}) {

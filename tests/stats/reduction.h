@@ -18,13 +18,17 @@ template <class T> struct Reduction {
     bool two() const { return family.find("NormDiff") == 0 || family.find("NormRel") == 0; }
     bool norm() const { return family.find("Norm") == 0; }
     bool hinted() const { return is_float<T> && family.find("Inf") == std::string::npos; }
-    std::vector<ZetHintAlgorithm> hints() const { return hinted() ? std::vector{zetAlgHintNone, zetAlgHintAccurate} : std::vector{zetAlgHintNone}; }
+    std::vector<ZetHintAlgorithm> hints() const {
+        return hinted() ? std::vector{zetAlgHintNone, zetAlgHintAccurate} : std::vector{zetAlgHintNone};
+    }
 
-    template <class Use> auto with(const T* a, int aStep, const T* b, int bStep, ZetiSize roi, Zet64f* values, ZetHintAlgorithm hint, Use use) const {
+    template <class Use>
+    auto with(const T* a, int aStep, const T* b, int bStep, ZetiSize roi, Zet64f* values, ZetHintAlgorithm hint, Use use) const {
         if (two()) return hinted() ? use(a, aStep, b, bStep, roi, values, hint) : use(a, aStep, b, bStep, roi, values);
         return hinted() ? use(a, aStep, roi, values, hint) : use(a, aStep, roi, values);
     }
-    ZetStatus operator()(const T* a, int aStep, const T* b, int bStep, ZetiSize roi, Zet64f* values, ZetHintAlgorithm hint = zetAlgHintNone) const {
+    ZetStatus operator()(const T* a, int aStep, const T* b, int bStep, ZetiSize roi, Zet64f* values,
+                         ZetHintAlgorithm hint = zetAlgHintNone) const {
         return with(a, aStep, b, bStep, roi, values, hint, [&](auto... x) { return member<ZetStatus(decltype(x)...)>(name())(x...); });
     }
 };

@@ -12,7 +12,8 @@ constexpr Zet64f mark = -12345;
 template <class T> struct Called {
     Zet64f values[5] = {mark, mark, mark, mark, mark};
     ZetStatus status;
-    Called(const Reduction<T>& f, const T* p, int step, ZetiSize roi, ZetHintAlgorithm hint = zetAlgHintNone) : status(f(p, step, p, step, roi, values, hint)) {
+    Called(const Reduction<T>& f, const T* p, int step, ZetiSize roi, ZetHintAlgorithm hint = zetAlgHintNone)
+        : status(f(p, step, p, step, roi, values, hint)) {
         EXPECT_EQ(status, zetStsNoErr) << f.name();
         for (int c = f.layout.colours; c < 5; ++c) EXPECT_EQ(values[c], mark) << f.name();
     }
@@ -41,7 +42,8 @@ TEST(Sum, IntegersAreSummedExactly) {
                 Zet64s sums[4] = {};
                 for (int y = 0; y < 2; ++y)
                     for (int i = 0; i < image.row_samples(); ++i) sums[i % l.channels] += image.at(y, i);
-                const Called<T> sum({"Sum", l}, image.data(), image.step, {width, 2}), mean({"Mean", l}, image.data(), image.step, {width, 2});
+                const Called<T> sum({"Sum", l}, image.data(), image.step, {width, 2}),
+                    mean({"Mean", l}, image.data(), image.step, {width, 2});
                 for (int c = 0; c < l.colours; ++c) {
                     const Zet64f pixels = 2.0 * width, s = static_cast<Zet64f>(sums[c]);
                     EXPECT_EQ(sum.values[c], s) << token<T>() << l.name << ' ' << width;
@@ -75,7 +77,8 @@ TEST(Mean, OfOneChannelDividesAndOfSeveralMultiplies) {
         const std::vector<Zet8u> row(static_cast<size_t>(width) * 4, 7);
         std::vector<Zet8u> first = row;
         std::fill_n(first.begin(), 4, Zet8u{8});
-        const Called<Zet8u> c1({"Mean", pixel_layouts[0]}, first.data(), 0, {width, 1}), ac4({"Mean", pixel_layouts[3]}, first.data(), 0, {width, 1});
+        const Called<Zet8u> c1({"Mean", pixel_layouts[0]}, first.data(), 0, {width, 1}),
+            ac4({"Mean", pixel_layouts[3]}, first.data(), 0, {width, 1});
         const Zet64f sum = width < 4 ? 8.0 * width : 7.0 * width + 4;
         EXPECT_EQ(c1.values[0], sum / width);
         EXPECT_EQ(ac4.values[2], (7.0 * width + 1) * (1.0 / width));
@@ -104,9 +107,11 @@ TEST(FloatSums, DependOnNothingButTheSamples) {
                 for (int offset = 0; offset < 16; ++offset) {
                     std::vector<char> memory(static_cast<size_t>(step) * 4 + 64);
                     char* const at = memory.data() + offset;
-                    for (int y = 0; y < 4; ++y) std::memcpy(at + y * step, &samples[static_cast<size_t>(y) * n], static_cast<size_t>(n) * 4);
+                    for (int y = 0; y < 4; ++y)
+                        std::memcpy(at + y * step, &samples[static_cast<size_t>(y) * n], static_cast<size_t>(n) * 4);
                     const auto* const p = reinterpret_cast<const Zet32f*>(at);
-                    for (const ZetHintAlgorithm hint : {zetAlgHintNone, zetAlgHintAccurate, zetAlgHintFast, ZetHintAlgorithm(-1), ZetHintAlgorithm(3), ZetHintAlgorithm(INT_MIN)}) {
+                    for (const ZetHintAlgorithm hint : {zetAlgHintNone, zetAlgHintAccurate, zetAlgHintFast, ZetHintAlgorithm(-1),
+                                                        ZetHintAlgorithm(3), ZetHintAlgorithm(INT_MIN)}) {
                         Zet64f values[5] = {mark, mark, mark, mark, mark}, (&same_hint)[5] = known[hint == zetAlgHintAccurate];
                         const unsigned state = offset == 0 ? 0x1F80 : 0xFFC0;
                         _mm_setcsr(state);
@@ -145,12 +150,18 @@ TEST(FloatSums, ErrorsGrowWithTheRowAlone) {
             }
             for (const ZetHintAlgorithm hint : {zetAlgHintFast, zetAlgHintAccurate}) {
                 const double unit = hint == zetAlgHintFast ? (width / 4 + 8) * 0x1p-24 : 1.0 * width * height * 0x1p-53;
-                const auto value = [&](const char* family, int c) { return Called<Zet32f>({family, l}, image.data(), n * 4, {width, height}, hint).values[c]; };
+                const auto value = [&](const char* family, int c) {
+                    return Called<Zet32f>({family, l}, image.data(), n * 4, {width, height}, hint).values[c];
+                };
                 const int c = l.colours - 1;
                 const double square = value("Norm_L2", c);
-                EXPECT_LE(std::fabs(static_cast<double>(value("Sum", c) - sums[c])), unit * static_cast<double>(magnitudes[c])) << what << ' ' << l.name << hint;
-                EXPECT_LE(std::fabs(static_cast<double>(value("Norm_L1", c) - magnitudes[c])), unit * static_cast<double>(magnitudes[c])) << what << ' ' << l.name << hint;
-                EXPECT_LE(std::fabs(static_cast<double>(Exact(square) * square - squares[c])), (unit + 0x1p-24) * static_cast<double>(squares[c])) << what << ' ' << l.name << hint;
+                EXPECT_LE(std::fabs(static_cast<double>(value("Sum", c) - sums[c])), unit * static_cast<double>(magnitudes[c]))
+                    << what << ' ' << l.name << hint;
+                EXPECT_LE(std::fabs(static_cast<double>(value("Norm_L1", c) - magnitudes[c])), unit * static_cast<double>(magnitudes[c]))
+                    << what << ' ' << l.name << hint;
+                EXPECT_LE(std::fabs(static_cast<double>(Exact(square) * square - squares[c])),
+                          (unit + 0x1p-24) * static_cast<double>(squares[c]))
+                    << what << ' ' << l.name << hint;
             }
         }
     };
@@ -183,11 +194,11 @@ TEST(SumAndMean, ChecksInTheirOrder) {
                 const std::tuple call(arguments...);
                 auto errors = common_errors(call);
                 std::erase_if(errors, [](const auto& e) { return e.status == zetStsStepErr; });
-                expect_order(f.name(), call, {zetStsNullPtrErr, zetStsSizeErr}, errors, [&] { return std::count(values, values + 4, mark) == 4; });
+                expect_order(f.name(), call, {zetStsNullPtrErr, zetStsSizeErr}, errors,
+                             [&] { return std::count(values, values + 4, mark) == 4; });
             });
             Zet64f twice[5]; // any step will do, 0 counts the row again
-            for (const int step : {0, 1, -1})
-                EXPECT_EQ(f(samples + 8, step, nullptr, 0, {1, 2}, twice), zetStsNoErr) << f.name();
+            for (const int step : {0, 1, -1}) EXPECT_EQ(f(samples + 8, step, nullptr, 0, {1, 2}, twice), zetStsNoErr) << f.name();
         }
     });
 }
