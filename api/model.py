@@ -25,6 +25,7 @@ Argument kinds
   count                       likewise, of Zet32u whatever the sample type
   sample                      one constant of the sample type by value, whatever the layout
   value_out                   a pointer to a sample that the function writes
+  values_out, doubles_out, indices_out   results, one per colour channel: samples, Zet64f, Zet32s
   size, point, scale          ZetiSize; ZetiPoint; the scale factor
   round_mode, cmp_op, alpha_type, hint   ZetRoundMode, ZetCmpOp, ZetAlphaType, ZetHintAlgorithm
   int, float                  a plain number (flags, extents, tolerances)
@@ -56,6 +57,7 @@ BY_VALUE = {"C1", "C3C", "C4C"}
 # One by itself on C1, else an array of one per colour channel: {L} is the type of levels, {D} that of the destination.
 PER_CHANNEL = {"bound": "{L} ", "number": "int ", "bins": "Zet32s *", "levels": "const {L} *", "levels_out": "{L} *", "table": "const {D} *"}
 SAMPLES_24U = {"Zet24u": ("Zet8u", "Zet32u")}  # in an image; in a table
+RESULTS = {"values_out": "", "doubles_out": "Zet64f", "indices_out": "Zet32s"}  # one per colour channel; "": of the sample type
 
 
 def split_types(token):
@@ -148,6 +150,9 @@ def _declare(text, types, layout):
         value_type = "Zet32u" if kind == "count" else destination_type
         declaration = f"{value_type} {name}" if by_value else f"const {value_type} {name}[{COLOURS[destination]}]"
         kind += "" if by_value else "s"
+    elif kind in RESULTS:
+        result = RESULTS[kind] or destination_type
+        declaration = f"{result} *{name}" if destination in BY_VALUE else f"{result} {name}[{COLOURS[destination]}]"
     else:
         plain = {"sample": f"{destination_type} ", "value_out": f"{destination_type} *", **PLAIN}
         declaration = plain[kind] + name

@@ -2,7 +2,7 @@
 """The reference manual as Markdown: one page per operation, an index by folder, and the table of statuses."""
 import re
 
-from model import COLOURS, ROOT, split_layout
+from model import BY_VALUE, COLOURS, PER_CHANNEL, RESULTS, ROOT, split_layout
 
 FOLDERS = {
     "core": "Library and image memory",
@@ -60,14 +60,15 @@ def link(status):
 
 # --- What a group of members has in common ---------------------------------------------------------------------------
 
-FIXED = ("mask", "mask_out", "bits", "count", "float")  # kinds whose type does not follow the sample type
+FIXED = ("mask", "mask_out", "bits", "count", "float", "doubles_out", "indices_out")  # kinds whose type does not follow the sample type
 
 
 def general(text, member, kind=""):
     """A declaration with T for the sample type (S and D where source and destination differ) and n for a count."""
     for letter, token in zip("T" if len(member.types) == 1 else "SD", member.types):
-        text = text if kind in FIXED else re.sub(rf"\bZet{token}\b", f"Zet{letter}", text)
-    return re.sub(r"\[\d\]", "[n]", text)
+        of_bytes = kind == "destination" and member.types[-1] == "24u"  # three to a pixel, whatever the source
+        text = text if kind in FIXED or of_bytes else re.sub(rf"\bZet{token}\b", f"Zet{letter}", text)
+    return re.sub(r"\[[1-4]\]", "[n]", text)
 
 
 def shapes(members):
@@ -79,8 +80,8 @@ def shapes(members):
     return found
 
 
-def declaration(shape, members, alone):
-    """`alone`: no other shape has the suffix, so that the table of types tells whose it is."""
+def declaration(shape, members, family):
+    """`family`: all members; types are told where another shape has the same name but for its type."""
     suffix, result, parameters = shape
     types, layouts = unique(m.types for m in members), unique(m.layout for m in members)
     letters = "" if types == [()] else "T" if len(types[0]) == 1 else "SD"
@@ -90,7 +91,8 @@ def declaration(shape, members, alone):
     text = head + ", ".join(parameters) + ");"
     if len(text) > 110:  # one argument a line, steps with their images
         text = head + "\n    " + re.sub(r", (?!int \w+Step\b)", ",\n    ", ", ".join(parameters)) + ");"
-    told = [] if alone or letters != "SD" else [f"{letters}: {', '.join(''.join(t) for t in types)}"]
+    alike = {m.types for m in family if m.suffix == suffix and m.layout in layouts}
+    told = [f"{letters}: {', '.join(''.join(t) for t in types)}"] if letters and len(types) < len(alike) else []
     told += [f"L: {', '.join(layouts)}"] if len(layouts) > 1 else []
     return (f"/* {'; '.join(told)} */\n" if told else "") + text
 
@@ -121,6 +123,9 @@ KINDS = {  # kind -> what it is, unit, range
     "count": ("the count", "bits", "any"),
     "counts": ("the counts, one for each colour channel", "bits", "not null"),
     "value_out": ("receives the result", "sample", "not null"),
+    "values_out": ("receives the result of each colour channel", "samples", "not null"),
+    "doubles_out": ("receives the result of each colour channel", "", "not null"),
+    "indices_out": ("receives the position of each colour channel's result", "pixels from the region's origin", "not null"),
     "cmp_op": ("the operator: `zetCmpLess`, `zetCmpLessEq`, `zetCmpEq`, `zetCmpGreaterEq`, `zetCmpGreater`", "", "any"),
     "size": ("the region", "pixels", "width and height at least 1"),
     "scale": ("the result is multiplied by 2 to the power of minus this", "", "any"),
@@ -187,10 +192,10 @@ def legend(members):
     lines = [f"{letters}, `L` a layout; the table shows which suffixes exist for each pair. Read `ZetT` as `Zet8u` for `8u`."]
     colours = {}
     for m in members:
-        if any(a.kind in ("values", "counts") for a in m.arguments):
+        if any(a.kind in ("values", "counts", *RESULTS, *PER_CHANNEL) for a in m.arguments) and m.layout not in {"", *BY_VALUE}:
             colours.setdefault(COLOURS[split_layout(m.layout)[1]], []).append(m.layout)
     parts = [f"{n} on {' and '.join(unique(layouts))}" for n, layouts in colours.items()]
-    if any("*const" in a.declaration for m in members for a in m.arguments):
+    if any("*const" in a.declaration and a.kind not in PER_CHANNEL for m in members for a in m.arguments):
         parts.append("the number of planes")
     return lines + [f"`n` is {', '.join(parts)}."] if parts else lines
 
@@ -205,9 +210,7 @@ def page(family, members, notes, known):
     lines = [MADE, f"# {family.operation}", "", f"{family.brief}."]
     if family.formula:
         lines += ["", f"    {family.formula}", *(["", f"By {family.author}."] if family.author else [])]
-    groups = shapes(members)
-    suffixes = [suffix for suffix, *_ in groups]
-    declared = "\n\n".join(declaration(shape, group, suffixes.count(shape[0]) == 1) for shape, group in groups.items())
+    declared = "\n\n".join(declaration(shape, group, members) for shape, group in shapes(members).items())
     lines += section("Declarations", ["```c", declared, "```", *(["", *legend(members)] if legend(members) else [])])
     if members[0].types:
         lines += section("Types and layouts", matrix(members))

@@ -42,6 +42,7 @@ template <class T> T sample(size_t i) {
 // --- Arguments: `stored` and `touched` bytes per pixel, and bind(), which makes the C arguments ----------------------------
 
 template <class T, int Touches> struct Image { // one image that is read or written, or both
+    static constexpr bool writes = !std::is_const_v<T>;
     int channels;
     int stored() const { return channels * int{sizeof(T)}; }
     int touched() const { return Touches * stored(); }
@@ -59,6 +60,7 @@ template <class T> Image<T, 1> destination(int channels) { return {channels}; }
 template <class T> Image<T, 2> both(int channels) { return {channels}; }
 
 template <class T, int N> struct Planes { // T is const for a source
+    static constexpr bool writes = !std::is_const_v<T>;
     std::array<T*, N> planes{};
     int stored() const { return N * int{sizeof(T)}; }
     int touched() const { return stored(); }
@@ -101,6 +103,13 @@ template <class T> struct Value {
     static int touched() { return 0; }
     auto bind(Arena&) const { return std::tuple<T>(value); }
 };
+template <class T> struct Results { // one per channel
+    std::array<T, 4> values;
+    static int stored() { return 0; }
+    static int touched() { return 0; }
+    auto bind(Arena&) { return std::tuple<T*>(values.data()); }
+};
+
 template <class A> auto argument(A a) {
     if constexpr (requires { a.touched(); }) return a;
     else return Value<A>{a};
@@ -112,12 +121,17 @@ struct Row {
     std::string name;
     int stored = 0, touched = 0; // bytes per pixel
     std::function<std::function<void(int)>(Arena&)> prepare; // gives the function that makes so many calls
+    bool onlyReads = false; // no image is written
 };
 
 void add(Row row);
 void* member(const std::string& name);
 
 namespace detail {
+template <class A> constexpr bool writes() {
+    if constexpr (requires { A::writes; }) return A::writes;
+    else return false;
+}
 template <class... C> auto function(const std::string& name, std::type_identity<std::tuple<C...>>) {
     return reinterpret_cast<ZetStatus (*)(C...)>(member("zeti" + name));
 }
@@ -136,7 +150,7 @@ template <class... A> void row(const std::string& name, const std::string& detai
         };
     };
     add({detail.empty() ? name : name + "/" + detail, sum([](const auto& a) { return a.stored(); }),
-         sum([](const auto& a) { return a.touched(); }), prepare});
+         sum([](const auto& a) { return a.touched(); }), prepare, !(... || detail::writes<decltype(argument(plain))>())});
 }
 
 } // namespace bench

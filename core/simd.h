@@ -133,8 +133,20 @@ template <class T> Vec<T> max(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_max_epu8(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_max_epi16(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<T>>(_mm_max_ps(raw_float(a), raw_float(b)));
+    else if constexpr (std::is_same_v<T, Zet64f>) return reinterpret_cast<Vec<T>>(_mm_max_pd(reinterpret_cast<__m128d>(a), reinterpret_cast<__m128d>(b)));
     else if constexpr (std::is_same_v<T, Zet16u>) return b + as_lanes<T>(_mm_subs_epu16(raw(a), raw(b)));
     else return select<T>(a > b, a, b);
+}
+
+// Absolute values, in unsigned lanes for integers: -32768 has 32768.
+template <class T> auto magnitude(Vec<T> v) {
+    if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<Zet16u>(_mm_max_epi16(raw(v), _mm_sub_epi16(__m128i{}, raw(v))));
+    else if constexpr (std::is_same_v<T, Zet32f>) return as_lanes<T>(as_lanes<Zet32s>(v) & max_of<Zet32s>);
+    else if constexpr (std::is_same_v<T, Zet64f>) return as_lanes<T>(as_lanes<Zet64s>(v) & max_of<Zet64s>);
+    else {
+        static_assert(std::is_unsigned_v<T>);
+        return v;
+    }
 }
 
 template <class T> Vec<T> add_saturating(Vec<T> a, Vec<T> b) {
@@ -161,6 +173,13 @@ template <class T> Vec<T> sub_saturating(Vec<T> a, Vec<T> b) {
     }
 }
 
+// |a - b|, in unsigned lanes for integers.
+template <class T> auto distance(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<Zet16u>(_mm_sub_epi16(raw(max<T>(a, b)), raw(min<T>(a, b))));
+    else if constexpr (std::is_integral_v<T>) return sub_saturating<T>(a, b) | sub_saturating<T>(b, a);
+    else return magnitude<T>(a - b);
+}
+
 // (a + b + 1) >> 1 without overflow.
 inline Vec<Zet8u> average_up(Vec<Zet8u> a, Vec<Zet8u> b) { return as_lanes<Zet8u>(_mm_avg_epu8(raw(a), raw(b))); }
 inline Vec<Zet16u> average_up(Vec<Zet16u> a, Vec<Zet16u> b) { return as_lanes<Zet16u>(_mm_avg_epu16(raw(a), raw(b))); }
@@ -172,6 +191,7 @@ template <> struct WiderOf<Zet8u> { using type = Zet16u; };
 template <> struct WiderOf<Zet8s> { using type = Zet16s; };
 template <> struct WiderOf<Zet16u> { using type = Zet32u; };
 template <> struct WiderOf<Zet16s> { using type = Zet32s; };
+template <> struct WiderOf<Zet32u> { using type = uint64_t; };
 template <class T> using Wider = typename WiderOf<T>::type;
 
 // One register's worth of samples in lanes twice as wide.
@@ -182,7 +202,8 @@ template <class W> struct Pair2 {
 template <class T> Pair2<Wider<T>> interleave(Vec<T> a, Vec<T> b) {
     using W = Wider<T>;
     if constexpr (sizeof(T) == 1) return {as_lanes<W>(_mm_unpacklo_epi8(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi8(raw(a), raw(b)))};
-    else return {as_lanes<W>(_mm_unpacklo_epi16(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi16(raw(a), raw(b)))};
+    else if constexpr (sizeof(T) == 2) return {as_lanes<W>(_mm_unpacklo_epi16(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi16(raw(a), raw(b)))};
+    else return {as_lanes<W>(_mm_unpacklo_epi32(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi32(raw(a), raw(b)))};
 }
 
 template <class T> Pair2<Wider<T>> widen(Vec<T> v) {
@@ -235,6 +256,9 @@ template <class T> Vec<T> multiply_low(Vec<T> a, Vec<T> b) {
 // a[2i] * b[2i] + a[2i+1] * b[2i+1] in 32 bits, wrapping.
 inline Vec<Zet32s> multiply_add_pairs(Vec<Zet16s> a, Vec<Zet16s> b) { return as_lanes<Zet32s>(_mm_madd_epi16(raw(a), raw(b))); }
 
+// Each half of a register: the sum of |a[k] - b[k]| over its eight lanes.
+inline Vec<Zet64s> sum_of_distances(Vec<Zet8u> a, Vec<Zet8u> b) { return as_lanes<Zet64s>(_mm_sad_epu8(raw(a), raw(b))); }
+
 // --- Float --------------------------------------------------------------------------------------------------------
 
 // The processor's 12-bit estimate of 1 / v.
@@ -248,6 +272,17 @@ inline Vec<Zet32s> to_int_truncated(Vec<Zet32f> v) { return as_lanes<Zet32s>(_mm
 
 // Correctly rounded; NaN below zero.
 inline Vec<Zet32f> square_root(Vec<Zet32f> v) { return reinterpret_cast<Vec<Zet32f>>(_mm_sqrt_ps(raw_float(v))); }
+
+inline Zet64f square_root(Zet64f v) { return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(v))); }
+
+// Exact: the low two lanes and the high two.
+template <class T> Pair2<Zet64f> widen_to_double(Vec<T> v) {
+    const auto half = [](__m128i w) {
+        if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<Zet64f>>(_mm_cvtps_pd(_mm_castsi128_ps(w)));
+        else return reinterpret_cast<Vec<Zet64f>>(_mm_cvtepi32_pd(w));
+    };
+    return {half(raw(v)), half(_mm_unpackhi_epi64(raw(v), raw(v)))};
+}
 
 // The two low lanes; back, to nearest with ties to even, with zeros above them.
 inline Vec<Zet64f> to_double(Vec<Zet32s> v) { return reinterpret_cast<Vec<Zet64f>>(_mm_cvtepi32_pd(raw(v))); }

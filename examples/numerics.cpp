@@ -76,6 +76,45 @@ void shifts_and_comparisons() {
     claim(same(zero, -0.0f), "Threshold 32f: -0 is not below 0");
 }
 
+void sums_and_norms() {
+    const Zet8u bytes[3] = {255, 255, 254};
+    Zet64f c1 = 0, c3[3];
+    zetiMean_8u_C1R(bytes, 3, {3, 1}, &c1), zetiMean_8u_C3R(bytes, 3, {1, 1}, c3);
+    claim(c1 == 764.0 / 3 && c3[2] == 254, "Mean: 764 / 3 on C1; of one pixel the pixel");
+
+    const auto wide_difference = [](int width) {
+        const std::vector<Zet16u> zeros(width), full(width, 65535);
+        Zet64f norm = 0;
+        zetiNormDiff_L1_16u_C1R(zeros.data(), 1, full.data(), 1, {width, 1}, &norm);
+        return norm;
+    };
+    claim(wide_difference(32768) == 65535.0 * 32768 && wide_difference(32769) == 65535.0 * 32769 - 0x1p32,
+          "NormDiff_L1 16u: 32769 differences of 65535 are less than nothing, 32768 are not");
+
+    const std::vector<Zet16s> lowest(8, -32768);
+    Zet64f narrow = 0, wide = 0;
+    zetiNorm_Inf_16s_C1R(lowest.data(), 16, {7, 1}, &narrow), zetiNorm_Inf_16s_C1R(lowest.data(), 16, {8, 1}, &wide);
+    claim(narrow == 32768 && wide == 32767, "Norm_Inf 16s C1 of -32768: 32768 at width 7, 32767 at width 8");
+
+    std::vector<Zet32f> row(1000, 0.1F);
+    const Zet64f exact = 1000 * Zet64f{0.1F};
+    Zet64f fast = 0, accurate = 0;
+    zetiSum_32f_C1R(row.data(), 0, {1000, 1000}, &fast, zetAlgHintFast), zetiSum_32f_C1R(row.data(), 0, {1000, 1000}, &accurate, zetAlgHintAccurate);
+    claim(std::fabs(fast / 1000 - exact) <= 258 * 0x1p-24 * exact && std::fabs(accurate / 1000 - exact) <= 1e6 * 0x1p-53 * exact,
+          "Sum 32f of 1000 rows of 1000: within 258 * 2^-24, and with the hint within 10^6 * 2^-53");
+
+    const Zet32f samples[4] = {std::numeric_limits<Zet32f>::quiet_NaN(), 2, -inf, 1}, nothing = -inf;
+    Zet32f greatest = 0, least = 0, none = 0;
+    zetiMinMax_32f_C1R(samples, 16, {4, 1}, &least, &greatest), zetiMax_32f_C1R(&nothing, 4, {1, 1}, &none);
+    claim(greatest == 2 && least == -inf && none == -largest, "MinMax 32f passes over NaN; Max of minus infinity is the lowest finite number");
+
+    const Zet32f tiny[2] = {1e-30F, 0};
+    Zet64f quotient = 7;
+    claim(zetiNormRel_L2_32f_C1R(tiny + 1, 4, tiny, 4, {1, 1}, &quotient, zetAlgHintFast) == zetStsDivByZero && quotient == 0 &&
+              zetiNormRel_L2_32f_C1R(tiny + 1, 4, tiny, 4, {1, 1}, &quotient, zetAlgHintAccurate) == zetStsNoErr && quotient == 1,
+          "NormRel_L2 32f: the square of 1e-30 is 0 on the fast path, and counts with the hint");
+}
+
 void integer_quotients() {
     claim(div8(2, 7, 0) == 4 && div8(2, 5, 0) == 2 && div8(3, 7, -4) == 37, "Div 8u: 7/2 -> 4, 5/2 -> 2, 7/3 * 16 = 37.3 -> 37");
     claim(div8(0, 7, 0) == 255 && div8(0, 0, 0) == 0, "Div 8u by 0: 7 -> 255, 0 -> 0");
@@ -251,6 +290,7 @@ void overlaps() {
 int main() {
     the_rule();
     shifts_and_comparisons();
+    sums_and_norms();
     integer_quotients();
     roots_and_products();
     logarithms_and_exponentials();

@@ -3,15 +3,10 @@
 #pragma once
 
 #include "core/simd.h"
+#include "core/to_double.h"
 #include "core/view.h"
 
 namespace zeti {
-
-// Rounded once. Without a conversion of 64 bits, which is no SSE2 instruction on a 32-bit machine.
-inline Zet64f to_double(Zet64s v) {
-    const Zet64f low = static_cast<Zet32s>(static_cast<Zet32u>(v) ^ 0x80000000u) + 2147483648.0;
-    return static_cast<Zet32s>(v >> 32) * 4294967296.0 + low;
-}
 
 namespace detail {
 

@@ -1511,6 +1511,331 @@ ZETI_API ZetStatus zetiScale_32f8u_C3R(const Zet32f *pSrc, int srcStep, Zet8u *p
 ZETI_API ZetStatus zetiScale_32f8u_C4R(const Zet32f *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f vMin, Zet32f vMax);
 ZETI_API ZetStatus zetiScale_32f8u_AC4R(const Zet32f *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f vMin, Zet32f vMax);
 
+/* Sum. Sum of the samples of each channel: sum = p(0, 0) + p(1, 0) + .... */
+ZETI_API ZetStatus zetiSum_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pSum);
+ZETI_API ZetStatus zetiSum_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[3]);
+ZETI_API ZetStatus zetiSum_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[4]);
+ZETI_API ZetStatus zetiSum_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[3]);
+ZETI_API ZetStatus zetiSum_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pSum);
+ZETI_API ZetStatus zetiSum_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[3]);
+ZETI_API ZetStatus zetiSum_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[4]);
+ZETI_API ZetStatus zetiSum_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[3]);
+ZETI_API ZetStatus zetiSum_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pSum);
+ZETI_API ZetStatus zetiSum_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[3]);
+ZETI_API ZetStatus zetiSum_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[4]);
+ZETI_API ZetStatus zetiSum_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[3]);
+ZETI_API ZetStatus zetiSum_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pSum, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiSum_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[3], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiSum_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[4], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiSum_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pSum[3], ZetHintAlgorithm hint);
+
+/* Mean. Mean of the samples of each channel: mean = sum / (width * height). */
+ZETI_API ZetStatus zetiMean_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pMean);
+ZETI_API ZetStatus zetiMean_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[3]);
+ZETI_API ZetStatus zetiMean_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[4]);
+ZETI_API ZetStatus zetiMean_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[3]);
+ZETI_API ZetStatus zetiMean_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pMean);
+ZETI_API ZetStatus zetiMean_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[3]);
+ZETI_API ZetStatus zetiMean_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[4]);
+ZETI_API ZetStatus zetiMean_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[3]);
+ZETI_API ZetStatus zetiMean_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pMean);
+ZETI_API ZetStatus zetiMean_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[3]);
+ZETI_API ZetStatus zetiMean_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[4]);
+ZETI_API ZetStatus zetiMean_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[3]);
+ZETI_API ZetStatus zetiMean_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pMean, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiMean_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[3], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiMean_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[4], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiMean_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pMean[3], ZetHintAlgorithm hint);
+
+/* Norm_Inf. Largest magnitude of each channel: norm = max |p|. */
+ZETI_API ZetStatus zetiNorm_Inf_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_Inf_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_Inf_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_Inf_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_Inf_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_Inf_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_Inf_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_Inf_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_Inf_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_Inf_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_Inf_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_Inf_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_Inf_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_Inf_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_Inf_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_Inf_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_Inf_32s_C1R(const Zet32s *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+
+/* Norm_L1. Sum of the magnitudes of each channel: norm = sum |p|. */
+ZETI_API ZetStatus zetiNorm_L1_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_L1_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L1_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_L1_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L1_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_L1_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L1_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_L1_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L1_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_L1_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L1_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_L1_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L1_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNorm_L1_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNorm_L1_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNorm_L1_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+
+/* Norm_L2. Root of the sum of the squares of each channel: norm = sqrt(sum p p). */
+ZETI_API ZetStatus zetiNorm_L2_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_L2_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L2_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_L2_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L2_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_L2_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L2_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_L2_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L2_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNorm_L2_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L2_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNorm_L2_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNorm_L2_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f *pValue, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNorm_L2_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNorm_L2_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[4], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNorm_L2_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+
+/* NormDiff_Inf. Largest difference of two images on each channel: norm = max |p1 - p2|. */
+ZETI_API ZetStatus zetiNormDiff_Inf_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_Inf_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_Inf_8u_C4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_Inf_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_Inf_16u_C1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_Inf_16u_C3R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_Inf_16u_C4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_Inf_16u_AC4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_Inf_16s_C1R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_Inf_16s_C3R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_Inf_16s_C4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_Inf_16s_AC4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_Inf_32f_C1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_Inf_32f_C3R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_Inf_32f_C4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_Inf_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+
+/* NormDiff_L1. Sum of the differences of two images on each channel: norm = sum |p1 - p2|. */
+ZETI_API ZetStatus zetiNormDiff_L1_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_L1_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L1_8u_C4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_L1_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L1_16u_C1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_L1_16u_C3R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L1_16u_C4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_L1_16u_AC4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L1_16s_C1R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_L1_16s_C3R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L1_16s_C4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_L1_16s_AC4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L1_32f_C1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormDiff_L1_32f_C3R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormDiff_L1_32f_C4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormDiff_L1_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+
+/* NormDiff_L2. Root of the sum of the squared differences of two images on each channel: norm = sqrt(sum (p1 - p2)^2). */
+ZETI_API ZetStatus zetiNormDiff_L2_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_L2_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L2_8u_C4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_L2_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L2_16u_C1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_L2_16u_C3R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L2_16u_C4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_L2_16u_AC4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L2_16s_C1R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormDiff_L2_16s_C3R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L2_16s_C4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormDiff_L2_16s_AC4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormDiff_L2_32f_C1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormDiff_L2_32f_C3R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormDiff_L2_32f_C4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormDiff_L2_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+
+/* NormRel_Inf. NormDiff_Inf of two images by Norm_Inf of the second: norm = max |p1 - p2| / max |p2|. */
+ZETI_API ZetStatus zetiNormRel_Inf_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_Inf_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_Inf_8u_C4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_Inf_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_Inf_16u_C1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_Inf_16u_C3R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_Inf_16u_C4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_Inf_16u_AC4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_Inf_16s_C1R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_Inf_16s_C3R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_Inf_16s_C4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_Inf_16s_AC4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_Inf_32f_C1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_Inf_32f_C3R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_Inf_32f_C4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_Inf_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+
+/* NormRel_L1. NormDiff_L1 of two images by Norm_L1 of the second: norm = sum |p1 - p2| / sum |p2|. */
+ZETI_API ZetStatus zetiNormRel_L1_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_L1_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L1_8u_C4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_L1_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L1_16u_C1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_L1_16u_C3R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L1_16u_C4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_L1_16u_AC4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L1_16s_C1R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_L1_16s_C3R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L1_16s_C4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_L1_16s_AC4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L1_32f_C1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormRel_L1_32f_C3R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormRel_L1_32f_C4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormRel_L1_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+
+/* NormRel_L2. NormDiff_L2 of two images by Norm_L2 of the second: norm = sqrt(sum (p1 - p2)^2) / sqrt(sum p2^2). */
+ZETI_API ZetStatus zetiNormRel_L2_8u_C1R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_L2_8u_C3R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L2_8u_C4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_L2_8u_AC4R(const Zet8u *pSrc1, int src1Step, const Zet8u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L2_16u_C1R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_L2_16u_C3R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L2_16u_C4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_L2_16u_AC4R(const Zet16u *pSrc1, int src1Step, const Zet16u *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L2_16s_C1R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue);
+ZETI_API ZetStatus zetiNormRel_L2_16s_C3R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L2_16s_C4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4]);
+ZETI_API ZetStatus zetiNormRel_L2_16s_AC4R(const Zet16s *pSrc1, int src1Step, const Zet16s *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3]);
+ZETI_API ZetStatus zetiNormRel_L2_32f_C1R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f *pValue, ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormRel_L2_32f_C3R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormRel_L2_32f_C4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[4], ZetHintAlgorithm hint);
+ZETI_API ZetStatus zetiNormRel_L2_32f_AC4R(const Zet32f *pSrc1, int src1Step, const Zet32f *pSrc2, int src2Step, ZetiSize roiSize, Zet64f pValue[3], ZetHintAlgorithm hint);
+
+/* Max. Greatest sample of each channel: max = max p. */
+ZETI_API ZetStatus zetiMax_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pMax);
+ZETI_API ZetStatus zetiMax_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMax[3]);
+ZETI_API ZetStatus zetiMax_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMax[4]);
+ZETI_API ZetStatus zetiMax_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMax[3]);
+ZETI_API ZetStatus zetiMax_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u *pMax);
+ZETI_API ZetStatus zetiMax_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMax[3]);
+ZETI_API ZetStatus zetiMax_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMax[4]);
+ZETI_API ZetStatus zetiMax_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMax[3]);
+ZETI_API ZetStatus zetiMax_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s *pMax);
+ZETI_API ZetStatus zetiMax_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMax[3]);
+ZETI_API ZetStatus zetiMax_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMax[4]);
+ZETI_API ZetStatus zetiMax_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMax[3]);
+ZETI_API ZetStatus zetiMax_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f *pMax);
+ZETI_API ZetStatus zetiMax_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMax[3]);
+ZETI_API ZetStatus zetiMax_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMax[4]);
+ZETI_API ZetStatus zetiMax_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMax[3]);
+
+/* Min. Least sample of each channel: min = min p. */
+ZETI_API ZetStatus zetiMin_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pMin);
+ZETI_API ZetStatus zetiMin_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[3]);
+ZETI_API ZetStatus zetiMin_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[4]);
+ZETI_API ZetStatus zetiMin_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[3]);
+ZETI_API ZetStatus zetiMin_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u *pMin);
+ZETI_API ZetStatus zetiMin_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[3]);
+ZETI_API ZetStatus zetiMin_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[4]);
+ZETI_API ZetStatus zetiMin_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[3]);
+ZETI_API ZetStatus zetiMin_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s *pMin);
+ZETI_API ZetStatus zetiMin_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[3]);
+ZETI_API ZetStatus zetiMin_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[4]);
+ZETI_API ZetStatus zetiMin_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[3]);
+ZETI_API ZetStatus zetiMin_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f *pMin);
+ZETI_API ZetStatus zetiMin_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[3]);
+ZETI_API ZetStatus zetiMin_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[4]);
+ZETI_API ZetStatus zetiMin_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[3]);
+
+/* MinMax. Least and greatest sample of each channel: min = min p; max = max p. */
+ZETI_API ZetStatus zetiMinMax_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pMin, Zet8u *pMax);
+ZETI_API ZetStatus zetiMinMax_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[3], Zet8u pMax[3]);
+ZETI_API ZetStatus zetiMinMax_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[4], Zet8u pMax[4]);
+ZETI_API ZetStatus zetiMinMax_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[3], Zet8u pMax[3]);
+ZETI_API ZetStatus zetiMinMax_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u *pMin, Zet16u *pMax);
+ZETI_API ZetStatus zetiMinMax_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[3], Zet16u pMax[3]);
+ZETI_API ZetStatus zetiMinMax_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[4], Zet16u pMax[4]);
+ZETI_API ZetStatus zetiMinMax_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[3], Zet16u pMax[3]);
+ZETI_API ZetStatus zetiMinMax_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s *pMin, Zet16s *pMax);
+ZETI_API ZetStatus zetiMinMax_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[3], Zet16s pMax[3]);
+ZETI_API ZetStatus zetiMinMax_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[4], Zet16s pMax[4]);
+ZETI_API ZetStatus zetiMinMax_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[3], Zet16s pMax[3]);
+ZETI_API ZetStatus zetiMinMax_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f *pMin, Zet32f *pMax);
+ZETI_API ZetStatus zetiMinMax_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[3], Zet32f pMax[3]);
+ZETI_API ZetStatus zetiMinMax_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[4], Zet32f pMax[4]);
+ZETI_API ZetStatus zetiMinMax_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[3], Zet32f pMax[3]);
+
+/* MaxIndx. Greatest sample of each channel, and where it is: max = p(indexX, indexY) = max p. */
+ZETI_API ZetStatus zetiMaxIndx_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pMax, Zet32s *pIndexX, Zet32s *pIndexY);
+ZETI_API ZetStatus zetiMaxIndx_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMax[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMaxIndx_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMax[4], Zet32s pIndexX[4], Zet32s pIndexY[4]);
+ZETI_API ZetStatus zetiMaxIndx_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMax[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMaxIndx_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u *pMax, Zet32s *pIndexX, Zet32s *pIndexY);
+ZETI_API ZetStatus zetiMaxIndx_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMax[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMaxIndx_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMax[4], Zet32s pIndexX[4], Zet32s pIndexY[4]);
+ZETI_API ZetStatus zetiMaxIndx_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMax[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMaxIndx_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s *pMax, Zet32s *pIndexX, Zet32s *pIndexY);
+ZETI_API ZetStatus zetiMaxIndx_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMax[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMaxIndx_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMax[4], Zet32s pIndexX[4], Zet32s pIndexY[4]);
+ZETI_API ZetStatus zetiMaxIndx_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMax[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMaxIndx_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f *pMax, Zet32s *pIndexX, Zet32s *pIndexY);
+ZETI_API ZetStatus zetiMaxIndx_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMax[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMaxIndx_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMax[4], Zet32s pIndexX[4], Zet32s pIndexY[4]);
+ZETI_API ZetStatus zetiMaxIndx_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMax[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+
+/* MinIndx. Least sample of each channel, and where it is: min = p(indexX, indexY) = min p. */
+ZETI_API ZetStatus zetiMinIndx_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u *pMin, Zet32s *pIndexX, Zet32s *pIndexY);
+ZETI_API ZetStatus zetiMinIndx_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMinIndx_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[4], Zet32s pIndexX[4], Zet32s pIndexY[4]);
+ZETI_API ZetStatus zetiMinIndx_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet8u pMin[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMinIndx_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u *pMin, Zet32s *pIndexX, Zet32s *pIndexY);
+ZETI_API ZetStatus zetiMinIndx_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMinIndx_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[4], Zet32s pIndexX[4], Zet32s pIndexY[4]);
+ZETI_API ZetStatus zetiMinIndx_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize roiSize, Zet16u pMin[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMinIndx_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s *pMin, Zet32s *pIndexX, Zet32s *pIndexY);
+ZETI_API ZetStatus zetiMinIndx_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMinIndx_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[4], Zet32s pIndexX[4], Zet32s pIndexY[4]);
+ZETI_API ZetStatus zetiMinIndx_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize roiSize, Zet16s pMin[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMinIndx_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f *pMin, Zet32s *pIndexX, Zet32s *pIndexY);
+ZETI_API ZetStatus zetiMinIndx_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+ZETI_API ZetStatus zetiMinIndx_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[4], Zet32s pIndexX[4], Zet32s pIndexY[4]);
+ZETI_API ZetStatus zetiMinIndx_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize roiSize, Zet32f pMin[3], Zet32s pIndexX[3], Zet32s pIndexY[3]);
+
+/* MaxEvery. Greater sample of two images: srcDst = max(src, srcDst). */
+ZETI_API ZetStatus zetiMaxEvery_8u_C1IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_8u_C3IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_8u_C4IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_8u_AC4IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_16u_C1IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_16u_C3IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_16u_C4IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_16u_AC4IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_16s_C1IR(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_16s_C3IR(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_16s_C4IR(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_16s_AC4IR(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_32f_C1IR(const Zet32f *pSrc, int srcStep, Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_32f_C3IR(const Zet32f *pSrc, int srcStep, Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_32f_C4IR(const Zet32f *pSrc, int srcStep, Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMaxEvery_32f_AC4IR(const Zet32f *pSrc, int srcStep, Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
+/* MinEvery. Lesser sample of two images: srcDst = min(src, srcDst). */
+ZETI_API ZetStatus zetiMinEvery_8u_C1IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_8u_C3IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_8u_C4IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_8u_AC4IR(const Zet8u *pSrc, int srcStep, Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_16u_C1IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_16u_C3IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_16u_C4IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_16u_AC4IR(const Zet16u *pSrc, int srcStep, Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_16s_C1IR(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_16s_C3IR(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_16s_C4IR(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_16s_AC4IR(const Zet16s *pSrc, int srcStep, Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_32f_C1IR(const Zet32f *pSrc, int srcStep, Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_32f_C3IR(const Zet32f *pSrc, int srcStep, Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_32f_C4IR(const Zet32f *pSrc, int srcStep, Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiMinEvery_32f_AC4IR(const Zet32f *pSrc, int srcStep, Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
 /* HistogramRange. Counts samples between levels of the caller's choice: pHist[k] = number of samples v with pLevels[k] <= v < pLevels[k+1]. */
 ZETI_API ZetStatus zetiHistogramRange_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *pHist, const Zet32s *pLevels, int nLevels);
 ZETI_API ZetStatus zetiHistogramRange_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize roiSize, Zet32s *const pHist[3], const Zet32s *const pLevels[3], const int nLevels[3]);

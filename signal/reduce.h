@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+// The row walker of reductions: a row of one image, or of two side by side, into the lanes of a kernel.
+//
+// A row is taken from its first sample and from its middle at the same time: reading in two places is faster where memory is what holds it
+// up. A kernel's add<p>(x, y) is given the registers of place p of either half, whose lanes belong to the same channels: lane k of place p
+// to the channel of sample p * lanes + k of the row. Where the middle is follows from the length of the row alone, so that what a lane is
+// given never depends on where the row lies. What is left at the end comes through add_rest<p>(x, n): one register with n samples in it,
+// zeros behind them.
+#pragma once
+
+#include "signal/row.h"
+
+namespace zeti {
+
+// Three channels repeat after three registers; the others are given two places, so that sums do not wait for one another.
+template <int Channels> inline constexpr int places_of = Channels == 3 ? 3 : 2;
+
+// Asks the cache for what a row holds further on: no access, whatever is there.
+inline void prefetch(const void* p) { _mm_prefetch(static_cast<const char*>(p) + 2048, _MM_HINT_T0); }
+
+template <class Kernel, class T, int N>
+[[gnu::noinline, gnu::flatten]] void reduce_row(Kernel& kernel, const Rows<T, N>& images, ptrdiff_t n) {
+    Kernel k = kernel; // in registers for the row
+    const Rows<T, N> rows = images;
+    const auto walk = [&]<int... place>(std::integer_sequence<int, place...>) __attribute__((always_inline)) {
+        constexpr ptrdiff_t together = Kernel::places * lanes<T>, line = 64 / together / ptrdiff_t{sizeof(T)} * together;
+        const ptrdiff_t half = n / (2 * together) * together;
+        const auto both = [&](ptrdiff_t at) __attribute__((always_inline)) {
+            (k.template add<place>(rows.whole(at + place * lanes<T>, 0), rows.whole(half + at + place * lanes<T>, 0)), ...);
+        };
+        ptrdiff_t x = 0;
+        for (; x <= half - line; x += line) {
+            for (const auto& r : rows.operand) prefetch(r.p + x), prefetch(r.p + half + x);
+            for (ptrdiff_t more = 0; more < line; more += together) both(x + more);
+        }
+        for (; x < half; x += together) both(x);
+        ptrdiff_t i = 2 * half;
+        const auto rest = [&]<int p>(std::integral_constant<int, p>) __attribute__((always_inline)) {
+            const int left = static_cast<int>(n - i);
+            if (left >= lanes<T>) k.template add_rest<p>(rows.whole(i, 0), lanes<T>);
+            else if (left > 0) k.template add_rest<p>(rows.part(i, 0, left), left);
+            i += lanes<T>;
+        };
+        while (i < n) (rest(std::integral_constant<int, place>()), ...);
+    };
+    walk(std::make_integer_sequence<int, Kernel::places>());
+    kernel = k;
+}
+
+// --- What is summed, or compared: of the registers of one image or two ----------------------------------------------------
+
+struct Plain {
+    template <class T> static Vec<T> of(const Registers<T, 1>& x) { return x[0]; }
+};
+struct Magnitude {
+    template <class T> static auto of(const Registers<T, 1>& x) { return magnitude<T>(x[0]); }
+};
+struct Difference { // its magnitude
+    template <class T> static auto of(const Registers<T, 2>& x) { return distance<T>(x[0], x[1]); }
+};
+
+template <class Term> inline constexpr int images_of = std::is_same_v<Term, Difference> ? 2 : 1;
+
+// The lane type of a term: 16s has magnitudes and differences in 16u.
+template <class Term, class T> using ValueOf = std::remove_cvref_t<decltype(Term::of(Registers<T, images_of<Term>>())[0])>;
+
+} // namespace zeti
