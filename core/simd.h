@@ -309,10 +309,9 @@ inline Vec<Zet8u> look_up(const Zet8u* table, Vec<Zet8u> index) {
 
 inline void store_streaming(void* aligned, __m128i v) { _mm_stream_si128(static_cast<__m128i*>(aligned), v); }
 inline void streaming_fence() { _mm_sfence(); }
-inline void prefetch(const void* p) { _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T0); } // of any address
 
-// Memory that will be read, `ahead` bytes behind p. It need not be there.
-inline void prefetch(const void* p, int ahead) {
+// Asks the cache for what lies some bytes further on: no access, whatever is there.
+inline void prefetch(const void* p, int ahead = 0) {
     _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(ahead)), _MM_HINT_T0);
 }
 

@@ -15,9 +15,6 @@ namespace zeti {
 // Three channels repeat after three registers; the others are given two places, so that sums do not wait for one another.
 template <int Channels> inline constexpr int places_of = Channels == 3 ? 3 : 2;
 
-// Asks the cache for what a row holds further on: no access, whatever is there.
-inline void prefetch(const void* p) { _mm_prefetch(static_cast<const char*>(p) + 2048, _MM_HINT_T0); }
-
 template <class Kernel, class T, int N>
 [[gnu::noinline, gnu::flatten]] void reduce_row(Kernel& kernel, const Rows<T, N>& images, ptrdiff_t n) {
     Kernel k = kernel; // in registers for the row
@@ -30,7 +27,7 @@ template <class Kernel, class T, int N>
         };
         ptrdiff_t x = 0;
         for (; x <= half - line; x += line) {
-            for (const auto& r : rows.operand) prefetch(r.p + x), prefetch(r.p + half + x);
+            for (const auto& r : rows.operand) prefetch(r.p + x, 2048), prefetch(r.p + half + x, 2048);
             for (ptrdiff_t more = 0; more < line; more += together) both(x + more);
         }
         for (; x < half; x += together) both(x);
