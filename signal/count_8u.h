@@ -8,7 +8,7 @@ namespace zeti {
 
 // A counter for every sample of an 8-bit image, by channel. Neighbours go to tables of their own, so that runs of one value do not wait for one counter.
 template <class L, class Counter> struct Counters8u {
-    static constexpr int sets = L::channels == 1 ? 4 : 2;
+    static constexpr int sets = L::channels == 1 ? 8 : 2; // a counter is ready again after some seven cycles
     Counter counts[sets][L::colours][256] = {};
 
     Counters8u(Src<Zet8u> image, ZetiSize roi) { // counts[0] holds the sums
