@@ -31,7 +31,9 @@ template <class T> void ownpi_Histogram_FS(Channel<T> image, Levels<Level<T>> le
 // Binary search.
 template <class T> void ownpi_Histogram_BS(Channel<T> image, Levels<Level<T>> levels, Zet32u* bins) {
     image.each([=](Level<T> v) {
-        if (levels.hold(v)) ++bins[halved(levels, v)];
+        if (!levels.hold(v)) return;
+        const int k = halved(levels, v);
+        ++bins[k];
     });
 }
 
