@@ -25,6 +25,7 @@ LAYOUTS = {
     "C4C": "one channel of a four-channel image: the pointer addresses it (written `C4CR`)",
     "P2": "two separate planes", "P3": "three separate planes", "P4": "four separate planes",
     "AP4": "four separate planes, the fourth alpha",
+    "A0C4": "four interleaved channels, the first alpha, which stays as it is",
     "AC1": "pixels of one colour sample and its alpha, for composition",
 }
 
@@ -60,14 +61,18 @@ def link(status):
 
 # --- What a group of members has in common ---------------------------------------------------------------------------
 
-FIXED = ("mask", "mask_out", "bits", "count", "float", "doubles_out", "indices_out")  # kinds whose type does not follow the sample type
+# Kinds whose type does not follow the sample type; those of the type of levels.
+FIXED = ("mask", "mask_out", "bits", "count", "float", "bins", "number", "counts_out", "doubles_out", "indices_out")
+OF_LEVELS = ("bound", "levels", "levels_out")
 
 
 def general(text, member, kind=""):
     """A declaration with T for the sample type (S and D where source and destination differ) and n for a count."""
+    if kind in OF_LEVELS:
+        text = re.sub(r"\bZet32[sf]\b", "ZetV", text)
+    follows = kind not in FIXED and kind not in OF_LEVELS and not (member.types[-1:] == ("24u",) and kind in ("destination", "table"))
     for letter, token in zip("T" if len(member.types) == 1 else "SD", member.types):
-        of_bytes = kind == "destination" and member.types[-1] == "24u"  # three to a pixel, whatever the source
-        text = text if kind in FIXED or of_bytes else re.sub(rf"\bZet{token}\b", f"Zet{letter}", text)
+        text = text if not follows else re.sub(rf"\bZet{token}\b", f"Zet{letter}", text)
     return re.sub(r"\[[1-4]\]", "[n]", text)
 
 
@@ -127,6 +132,7 @@ KINDS = {  # kind -> what it is, unit, range
     "doubles_out": ("receives the result of each colour channel", "", "not null"),
     "indices_out": ("receives the position of each colour channel's result", "pixels from the region's origin", "not null"),
     "cmp_op": ("the operator: `zetCmpLess`, `zetCmpLessEq`, `zetCmpEq`, `zetCmpGreaterEq`, `zetCmpGreater`", "", "any"),
+    "point": ("the point", "pixels", "any"),
     "size": ("the region", "pixels", "width and height at least 1"),
     "scale": ("the result is multiplied by 2 to the power of minus this", "", "any"),
     "round_mode": ("how a quotient becomes an integer", "", "`zetRndZero`, `zetRndNear`, `zetRndFinancial`"),
@@ -195,7 +201,9 @@ def legend(members):
         if any(a.kind in ("values", "counts", *RESULTS, *PER_CHANNEL) for a in m.arguments) and m.layout not in {"", *BY_VALUE}:
             colours.setdefault(COLOURS[split_layout(m.layout)[1]], []).append(m.layout)
     parts = [f"{n} on {' and '.join(unique(layouts))}" for n, layouts in colours.items()]
-    if any("*const" in a.declaration and a.kind not in PER_CHANNEL for m in members for a in m.arguments):
+    if any(a.kind in OF_LEVELS for m in members for a in m.arguments):
+        lines.append("`ZetV` is `Zet32f` on 32f, else `Zet32s`.")
+    if any("*const" in a.declaration and a.kind in ("source", "destination") for m in members for a in m.arguments):
         parts.append("the number of planes")
     return lines + [f"`n` is {', '.join(parts)}."] if parts else lines
 

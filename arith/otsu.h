@@ -7,8 +7,7 @@
 
 #include "core/check.h"
 #include "core/float_state.h"
-#include "core/layout.h"
-#include "core/view.h"
+#include "signal/count_8u.h"
 
 namespace zeti {
 
@@ -18,18 +17,10 @@ struct Levels {
     double count[256];
 };
 
-// Four tables in turn, so that runs of one level do not wait for their own counter.
 inline Levels count_levels(Src<Zet8u> src, ZetiSize roi) {
-    size_t counts[4][256] = {};
-    for (ptrdiff_t y = 0; y < roi.height; ++y) {
-        const Zet8u* const p = src.row(y);
-        ptrdiff_t x = 0;
-        for (; x <= roi.width - 4; x += 4)
-            for (int k = 0; k < 4; ++k) ++counts[k][p[x + k]];
-        for (; x < roi.width; ++x) ++counts[0][p[x]];
-    }
+    const Counters8u<C1, size_t> counters(src, roi);
     Levels levels;
-    for (int i = 0; i < 256; ++i) levels.count[i] = static_cast<double>(counts[0][i] + counts[1][i] + counts[2][i] + counts[3][i]);
+    for (int i = 0; i < 256; ++i) levels.count[i] = static_cast<double>(counters.counts[0][0][i]);
     return levels;
 }
 

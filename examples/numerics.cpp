@@ -285,6 +285,31 @@ void overlaps() {
     claim(counts, "AddC 8u one sample ahead of its source: from left to right");
 }
 
+Zet8u line(int x0, int x1, int y0, int y1, int v) {
+    const Zet32s levels[2] = {x0, x1}, values[2] = {y0, y1};
+    const Zet8u src = Zet8u(v);
+    Zet8u dst = 0;
+    zetiLUT_Linear_8u_C1R(&src, 1, &dst, 1, {1, 1}, values, levels, 2);
+    return dst;
+}
+
+void tables_and_moments() {
+    claim(line(10, 20, 0, 5, 11) == 1 && line(0, 100, -1, -1, 50) == 0, "LUT_Linear 8u: 0.5 -> 1, -1 + 0.5 -> 0");
+    claim(line(-5, 1, 100, 0, 0) == 100 && line(300, 400, 5, 6, 255) == 5, "LUT_Linear 8u: the one sample of an interval has the value at its level, also beyond 255");
+
+    const Zet8u src[4] = {1, 0, 0, 2}; // the centre is at x = 2, the moment of second order 6
+    ZetiMomentState_64s *state = nullptr;
+    if (zetiMomentInitAlloc_64s(&state, zetAlgHintNone) != zetStsNoErr) return claim(false, "room for a record of moments");
+    Zet64s about = 0, scaled = 0, normalized = 0, untouched = 77;
+    const bool done = zetiMoments64s_8u_C1R(src, 4, {4, 1}, state) == zetStsNoErr && zetiGetCentralMoment_64s(state, 0, 2, 0, &about, 0) == zetStsNoErr &&
+                      zetiGetCentralMoment_64s(state, 0, 3, 0, &scaled, 1) == zetStsNoErr &&
+                      zetiGetNormalizedCentralMoment_64s(state, 0, 2, 0, &normalized, -1) == zetStsNoErr &&
+                      zetiGetCentralMoment_64s(state, 2, -1, 0, &untouched, 0) == zetStsNoErr;
+    claim(done && about == 6 && scaled == -3 && normalized == 1 && untouched == 77,
+          "64s moments of 1 0 0 2: second order 6, third -6 / 2, normalised 6 / 9 * 2 -> 1; orders 2 and -1 write nothing");
+    zetiMomentFree_64s(state);
+}
+
 } // namespace
 
 int main() {
@@ -298,5 +323,6 @@ int main() {
     float_quotients();
     floats();
     overlaps();
+    tables_and_moments();
     return all_hold ? 0 : 1;
 }

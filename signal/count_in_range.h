@@ -11,6 +11,7 @@ namespace zeti {
 template <class T, class L> class RangeCounter {
     using Lane = std::conditional_t<sizeof(T) == 1, Zet8u, Zet32u>;
     static constexpr int channels = L::channels, period = channels == 3 ? 3 : 1, step = period * lanes<T>;
+    static constexpr ptrdiff_t most_rounds = sizeof(T) == 1 ? 255 : max_of<Zet32s>;
     using Bounds = Pattern<T, period>;
 
 public:
@@ -20,8 +21,8 @@ public:
         ptrdiff_t i = 0;
         while (i <= samples - step) {
             if (room_ == 0) flush();
-            const ptrdiff_t rounds = std::min<ptrdiff_t>(room_, (samples - i) / step), end = i + rounds * step;
-            room_ -= static_cast<Zet32u>(rounds);
+            const ptrdiff_t rounds = std::min(room_, (samples - i) / step), end = i + rounds * step;
+            room_ -= rounds;
             for (; i < end; i += step)
                 for (int r = 0; r < period; ++r) {
                     const Vec<T> v = load(p + i + r * lanes<T>);
@@ -51,12 +52,13 @@ private:
     void flush() {
         for (int k = 0; k < step; ++k) sums_[k % channels] += static_cast<Lane>(-within_[k / lanes<T>][k % lanes<T>]);
         for (Vec<Lane>& lane : within_) lane = Vec<Lane>{};
-        room_ = max_of<Lane>;
+        room_ = most_rounds;
     }
 
     Bounds lower_, upper_;
     Vec<Lane> within_[period] = {};
-    Zet32u room_ = max_of<Lane>, sums_[channels] = {};
+    ptrdiff_t room_ = most_rounds;
+    Zet32u sums_[channels] = {};
 };
 
 } // namespace zeti

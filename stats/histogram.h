@@ -66,8 +66,7 @@ template <class T, class L> ZetStatus count_16(const T* pSrc, int srcStep, ZetiS
 
 template <class T, class L> ZetStatus count(const T* pSrc, int srcStep, ZetiSize roi, const Levels<Level<T>>* levels, Zet32u* const* bins) {
     if constexpr (sizeof(T) == 1) {
-        Counters8u<L> counters;
-        counters.add({pSrc, srcStep}, roi);
+        const Counters8u<L, Zet32u> counters({pSrc, srcStep}, roi);
         for (int c = 0; c < L::colours; ++c) sum_bins<T>(counters.counts[0][c], levels[c], bins[c]);
     } else if constexpr (sizeof(T) == 2) {
         return count_16<T, L>(pSrc, srcStep, roi, levels, bins);

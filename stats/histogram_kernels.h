@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "signal/count_8u.h"
 #include "stats/levels.h"
 
 namespace zeti {
@@ -30,7 +31,9 @@ template <class T> void ownpi_Histogram_FS(Channel<T> image, Levels<Level<T>> le
 // Binary search.
 template <class T> void ownpi_Histogram_BS(Channel<T> image, Levels<Level<T>> levels, Zet32u* bins) {
     image.each([=](Level<T> v) {
-        if (levels.hold(v)) ++bins[halved(levels, v)];
+        if (!levels.hold(v)) return;
+        const int k = halved(levels, v);
+        ++bins[k];
     });
 }
 
@@ -63,30 +66,5 @@ template <class T> void ownpi_HistogramEven(Channel<T> image, Zet32s lower, Zet3
         if (v >= lower && v < upper) ++bins[static_cast<int>((v - start) * reciprocal)];
     });
 }
-
-// All samples of an 8-bit image, by channel. Neighbours go to tables of their own, so that runs of one value do not wait for one counter.
-template <class L> struct Counters8u {
-    static constexpr int sets = L::channels == 1 ? 4 : 2;
-    Zet32u counts[sets][L::colours][256] = {};
-
-    void add(Src<Zet8u> image, ZetiSize roi) {
-        for (ptrdiff_t y = 0; y < roi.height; ++y) add_row(image.row(y), roi.width);
-        for (int c = 0; c < L::colours; ++c)
-            for (int set = 1; set < sets; ++set)
-                for (int i = 0; i < 256; ++i) counts[0][c][i] += counts[set][c][i];
-    }
-
-private:
-    void add_row(const Zet8u* p, ptrdiff_t width) {
-        constexpr int at_once = 8; // pixels
-        ptrdiff_t x = 0;
-        for (; x <= width - at_once; x += at_once, p += at_once * L::channels)
-            for (int i = 0; i < at_once; ++i) add_pixel(p + i * L::channels, i % sets);
-        for (; x < width; ++x, p += L::channels) add_pixel(p, 0);
-    }
-    void add_pixel(const Zet8u* p, int set) {
-        for (int c = 0; c < L::colours; ++c) ++counts[set][c][p[c]];
-    }
-};
 
 } // namespace zeti

@@ -207,8 +207,8 @@ TEST(HistogramEven, LevelsAndCounts) {
                 for (int c = 0; c < l.colours; ++c) {
                     const int range = sizeof(T) == 1 ? 300 : 70000, q = r.pick({0, 1, -3, r.between(1, 2 * range / n + 1)});
                     h.lower[c] = r.pick({r.between(-range, range), r.between(-9, 9), i % 8 < 6 ? 0 : INT_MIN});
-                    h.upper[c] = exact ? h.lower[c] + q * (n - 1) : r.pick({INT_MAX, INT_MIN, r.between(-range, range)});
-                    if (h.lower[c] == INT_MIN && exact) h.upper[c] = INT_MIN + 16909320 / (n - 1) * 127 * (n - 1); // bins that reach the samples
+                    const int toZero = 16909320 / (n - 1) * 127; // a width of bins that reach from the least int to the samples
+                    h.upper[c] = exact ? h.lower[c] + (h.lower[c] == INT_MIN ? toZero : q) * (n - 1) : r.pick({INT_MAX, INT_MIN, r.between(-range, range)});
                     expected[c] = even_levels(h.lower[c], h.upper[c], n);
                     h.use(c, std::vector<Zet32s>(n, 12345));
                 }

@@ -5,6 +5,7 @@
 
 #include "stats/moments_extended.h"
 #include "tests/stats/tables.h"
+#include "tests/support/checksum.h"
 
 using namespace test;
 
@@ -215,7 +216,7 @@ void expect_near(Zet64s got, long double expected, long double magnitude, const 
     EXPECT_LE(static_cast<long double>(got), std::trunc(scaled + slack)) << what << " of " << static_cast<double>(scaled);
 }
 
-template <class V> void check_getters(int scale, bool coarse) {
+template <class V> void check_getters(int scale, bool coarse, Checksum& sum) {
     Random r("getters" + std::to_string(scale));
     for (int i = 0; i < 12; ++i) {
         Image<Zet8u> image(r, r.between(1, 50), r.between(1, 50), 3);
@@ -234,12 +235,15 @@ template <class V> void check_getters(int scale, bool coarse) {
                 const long double magnitude = mass * std::pow(10100.0L, m + n), power = std::pow(mass, -0.5L * (m + n + 2));
                 const long double spatial = about(image, c, m, n, -offset.x, -offset.y), central = about(image, c, m, n, xc, yc);
                 V v{};
-                EXPECT_EQ(get.spatial(m, n, c, offset, &v), zetStsNoErr); expect_near(v, spatial, coarse ? magnitude : 0, what, scale);
-                EXPECT_EQ(get.central(m, n, c, &v), zetStsNoErr); expect_near(v, central, mass * std::pow(60.0L, m + n), what + " central", scale);
-                EXPECT_EQ(get.normal_spatial(m, n, c, offset, &v), zetStsNoErr); expect_near(v, (coarse ? spatial : std::trunc(spatial)) * power, magnitude * power, what + " normalized", scale);
+                EXPECT_EQ(get.spatial(m, n, c, offset, &v), zetStsNoErr);
+                sum.add(v), expect_near(v, spatial, coarse ? magnitude : 0, what, scale);
+                EXPECT_EQ(get.central(m, n, c, &v), zetStsNoErr);
+                sum.add(v), expect_near(v, central, mass * std::pow(60.0L, m + n), what + " central", scale);
+                EXPECT_EQ(get.normal_spatial(m, n, c, offset, &v), zetStsNoErr);
+                sum.add(v), expect_near(v, (coarse ? spatial : std::trunc(spatial)) * power, magnitude * power, what + " normalized", scale);
                 EXPECT_EQ(get.normal_central(m, n, c, &v), zetStsNoErr);
                 const long double whole = coarse ? central : std::trunc(central + (central < 0 ? -1e-9L : 1e-9L));
-                expect_near(v, whole * power, mass * std::pow(60.0L, m + n) * power, what + " normalized central", scale);
+                sum.add(v), expect_near(v, whole * power, mass * std::pow(60.0L, m + n) * power, what + " normalized central", scale);
             }
         const auto nu = [&](int p, int q) { return about(image, c, q, p, xc, yc) * std::pow(mass, -0.5L * (p + q + 2)); };
         const long double v20 = nu(2, 0), v02 = nu(0, 2), v11 = nu(1, 1), v30 = nu(3, 0), v12 = nu(1, 2), v21 = nu(2, 1), v03 = nu(0, 3);
@@ -251,13 +255,15 @@ template <class V> void check_getters(int scale, bool coarse) {
             (3 * v21 - v03) * (v30 + v12) * (sq(v30 + v12) - 3 * sq(v21 + v03)) - (v30 - 3 * v12) * (v21 + v03) * (3 * sq(v30 + v12) - sq(v21 + v03))};
         V h[7] = {};
         EXPECT_EQ(get.hu(c, h), zetStsNoErr);
-        for (int k = 0; k < 7; ++k) expect_near(h[k], expected[k], expected[0] * 50, "Hu " + std::to_string(k), scale);
+        for (int k = 0; k < 7; ++k) sum.add(h[k]), expect_near(h[k], expected[k], expected[0] * 50, "Hu " + std::to_string(k), scale);
     }
 }
 
 TEST(MomentGetters, AgreeWithSumsOverThePixels) {
-    check_getters<Zet64f>(0, true);
-    for (const int scale : {0, 3, 17, -20, -60}) check_getters<Zet64s>(scale, false);
+    Checksum sum;
+    check_getters<Zet64f>(0, true, sum);
+    for (const int scale : {0, 3, 17, -20, -60}) check_getters<Zet64s>(scale, false, sum);
+    EXPECT_TRUE(sum.is_known(__FILE__, "Moments"));
 }
 
 template <class V> void check_refusals() {
