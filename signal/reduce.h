@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // The row walker of reductions: a row of one image, or of two side by side, into the lanes of a kernel.
 //
-// A row is taken from its first sample and from its middle at the same time: reading in two places is faster where memory is what holds it
-// up. A kernel's add<p>(x, y) is given the registers of place p of either half, whose lanes belong to the same channels: lane k of place p
-// to the channel of sample p * lanes + k of the row. Where the middle is follows from the length of the row alone, so that what a lane is
-// given never depends on where the row lies. What is left at the end comes through add_rest<p>(x, n): one register with n samples in it,
-// zeros behind them.
+// A row is taken from two places at the same time, a line of the cache from each: from its beginning and its middle, which is faster where
+// memory is what holds it up, or, where both are in one page, from neighbouring lines. A kernel's add<p>(x, y) is given the registers of
+// place p of either line, whose lanes belong to the same channels: lane k of place p to the channel of sample p * lanes + k of the row. The
+// length of the row alone decides what a lane is given, not where the row lies. What is left at the end comes through add_rest<p>(x, n): one
+// register with n samples in it, zeros behind them.
 #pragma once
 
 #include "signal/row.h"
@@ -15,23 +15,26 @@ namespace zeti {
 // Three channels repeat after three registers; the others are given two places, so that sums do not wait for one another.
 template <int Channels> inline constexpr int places_of = Channels == 3 ? 3 : 2;
 
+inline constexpr ptrdiff_t apart_from = 8192; // bytes of a row
+
 template <class Kernel, class T, int N>
 [[gnu::noinline, gnu::flatten]] void reduce_row(Kernel& kernel, const Rows<T, N>& images, ptrdiff_t n) {
     Kernel k = kernel; // in registers for the row
     const Rows<T, N> rows = images;
     const auto walk = [&]<int... place>(std::integer_sequence<int, place...>) __attribute__((always_inline)) {
         constexpr ptrdiff_t together = Kernel::places * lanes<T>, line = 64 / together / ptrdiff_t{sizeof(T)} * together;
-        const ptrdiff_t half = n / (2 * together) * together;
-        const auto both = [&](ptrdiff_t at) __attribute__((always_inline)) {
-            (k.template add<place>(rows.whole(at + place * lanes<T>, 0), rows.whole(half + at + place * lanes<T>, 0)), ...);
+        const auto both = [&](ptrdiff_t x, ptrdiff_t y) __attribute__((always_inline)) {
+            (k.template add<place>(rows.whole(x + place * lanes<T>, 0), rows.whole(y + place * lanes<T>, 0)), ...);
         };
-        ptrdiff_t x = 0;
-        for (; x <= half - line; x += line) {
-            for (const auto& r : rows.operand) prefetch(r.p + x, 2048), prefetch(r.p + half + x, 2048);
-            for (ptrdiff_t more = 0; more < line; more += together) both(x + more);
+        const ptrdiff_t rounds = n / (2 * line);
+        const bool apart = n * ptrdiff_t{sizeof(T)} >= apart_from;
+        const ptrdiff_t from = apart ? rounds * line : line, step = apart ? line : 2 * line;
+        for (ptrdiff_t x = 0, r = 0; r < rounds; x += step, ++r) {
+            for (const auto& o : rows.operand) prefetch(o.p + x, 2048), prefetch(o.p + from + x, 2048);
+            for (ptrdiff_t more = 0; more < line; more += together) both(x + more, from + x + more);
         }
-        for (; x < half; x += together) both(x);
-        ptrdiff_t i = 2 * half;
+        ptrdiff_t i = rounds * 2 * line;
+        for (; i <= n - 2 * together; i += 2 * together) both(i, i + together);
         const auto rest = [&]<int p>(std::integral_constant<int, p>) __attribute__((always_inline)) {
             const int left = static_cast<int>(n - i);
             if (left >= lanes<T>) k.template add_rest<p>(rows.whole(i, 0), lanes<T>);

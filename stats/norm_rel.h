@@ -35,8 +35,8 @@ void norm_rel_parts(Zet64f (&above)[4], Zet64f (&below)[4], ZetiSize roi, Src<T>
     NormReduction<N, Difference, T, L, accurate> difference(roi);
     NormReduction<N, NormTerm<N>, T, L, accurate> norm(roi);
     for (ptrdiff_t y = 0; y < roi.height; ++y) {
-        difference.row(src1.row(y), src2.row(y));
-        norm.row(src2.row(y));
+        difference.row(roi.width, src1.row(y), src2.row(y));
+        norm.row(roi.width, src2.row(y));
     }
     for (int c = 0; c < L::colours; ++c) above[c] = difference.value(c), below[c] = norm.value(c);
 }

@@ -22,11 +22,13 @@ template <class Kernel, class T, class... More> void take_row(Kernel& kernel, pt
 // A sum: every row, or block of a row, is summed by itself and added to one total per channel.
 template <class Kernel> class SumReduction {
 public:
-    explicit SumReduction(ZetiSize roi) : roi_(roi) {}
+    static constexpr bool rows_matter = !std::is_integral_v<typename Kernel::Total> || requires { requires Kernel::wraps; };
 
-    template <class... T> void row(const T*... p) {
-        for (ptrdiff_t x = 0; x < roi_.width;) {
-            const ptrdiff_t count = std::min<ptrdiff_t>(Kernel::block, roi_.width - x);
+    explicit SumReduction(ZetiSize roi) : pixels_(static_cast<Zet32u>(roi.width) * static_cast<Zet32u>(roi.height)) {}
+
+    template <class... T> void row(ptrdiff_t width, const T*... p) {
+        for (ptrdiff_t x = 0; x < width;) {
+            const ptrdiff_t count = std::min<ptrdiff_t>(Kernel::block, width - x);
             Kernel lanes;
             detail::take_row(lanes, count, p + x * Kernel::channels...);
             lanes.add_to(totals_);
@@ -38,21 +40,22 @@ public:
         // Bytes of several channels: where the number of pixels says that 32 bits will do, they have to, and that number itself is of 32
         // bits. Kept on purpose.
         if constexpr (requires { requires Kernel::bytes; })
-            if (static_cast<Zet32u>(roi_.width) * static_cast<Zet32u>(roi_.height) <= Zet32u{Kernel::block})
-                return static_cast<Zet64f>(static_cast<Zet32s>(static_cast<Zet32u>(totals_[c])));
+            if (pixels_ <= Zet32u{Kernel::block}) return static_cast<Zet64f>(static_cast<Zet32s>(static_cast<Zet32u>(totals_[c])));
         return to_double(totals_[c]);
     }
 
 private:
-    const ZetiSize roi_;
+    const Zet32u pixels_;
     typename Kernel::Total totals_[Kernel::channels] = {};
 };
 
 // The largest value; its kernel goes on from row to row.
 template <class Kernel> class LargestReduction {
 public:
-    explicit LargestReduction(ZetiSize roi) : width_(roi.width) {}
-    template <class... T> void row(const T*... p) { detail::take_row(lanes_, width_, p...); }
+    static constexpr bool rows_matter = false;
+
+    explicit LargestReduction(ZetiSize) {}
+    template <class... T> void row(ptrdiff_t width, const T*... p) { detail::take_row(lanes_, width, p...); }
     [[gnu::always_inline]] Zet64f value(int c) const {
         typename Kernel::Value best[Kernel::channels];
         lanes_.values(best);
@@ -60,14 +63,18 @@ public:
     }
 
 private:
-    const ptrdiff_t width_;
     Kernel lanes_;
 };
 
-// All rows of the images, then the values of the colours.
+// All rows of the images, then the values of the colours. Rows without gaps are one long row where that gives the same.
 template <class Reduction, class L, class... T> void reduce(Zet64f (&values)[4], ZetiSize roi, Src<T>... src) {
     Reduction reduction(roi);
-    for (ptrdiff_t y = 0; y < roi.height; ++y) reduction.row(src.row(y)...);
+    const int64_t rowBytes = int64_t{roi.width} * L::channels * int64_t{sizeof(std::common_type_t<T...>)};
+    if (!Reduction::rows_matter && (... && (src.step == rowBytes)) && rowBytes * roi.height <= max_of<Zet32s>) {
+        reduction.row(ptrdiff_t{roi.width} * roi.height, src.pointer...);
+    } else {
+        for (ptrdiff_t y = 0; y < roi.height; ++y) reduction.row(roi.width, src.row(y)...);
+    }
     for (int c = 0; c < L::colours; ++c) values[c] = reduction.value(c);
 }
 
