@@ -3,7 +3,7 @@
 
 Vocabulary of the TOML files
   [members.NAME]      a list of {types, layouts, suffixes}: the product of the three is the set of members
-  [arguments.NAME]    suffix -> list of arguments "kind name [step]"; Sfs appends the scale factor by itself
+  [arguments.NAME]    suffix (or layout and suffix) -> list of arguments "kind name [step]"; Sfs appends the scale factor by itself
   [notes.NAME]        text shared by the reference pages of several families
   [[family]]          operation, members, arguments, template, header, returns (ZetStatus if not given) and the texts of
                       its reference page
@@ -21,6 +21,7 @@ Argument kinds
   mask, mask_out              an image of Zet8u that is read; one that is written, one byte per pixel
   value                       one constant by value on C1, C3C and C4C, else a pointer to one per colour channel
   count                       likewise, of Zet32u whatever the sample type
+  order                       a pointer to one channel number per colour channel
   sample                      one constant of the sample type by value, whatever the layout
   value_out                   a pointer to a sample that the function writes
   size, scale                 ZetiSize; the scale factor
@@ -122,6 +123,8 @@ def _declare(text, types, layout):
         value_type = "Zet32u" if kind == "count" else destination_type
         declaration = f"{value_type} {name}" if by_value else f"const {value_type} {name}[{COLOURS[destination]}]"
         kind += "" if by_value else "s"
+    elif kind == "order":
+        declaration = f"const int {name}[{COLOURS[destination]}]"
     else:
         plain = {"sample": f"{destination_type} ", "value_out": f"{destination_type} *", **PLAIN}
         declaration = plain[kind] + name
@@ -146,7 +149,7 @@ def _member(family, shapes, type_token, layout, suffix):
     types = tuple(split_types(type_token)) if type_token else ()
     form = suffix.removesuffix("Sfs")
     shape = shapes[family.arguments]
-    texts = list(shape[form] if isinstance(shape, dict) else shape)
+    texts = list(shape.get(layout + form, shape.get(form)) if isinstance(shape, dict) else shape)
     if suffix.endswith("Sfs"):
         texts.append("scale scaleFactor")
     arguments = tuple(a for text in texts for a in _declare(text, types, layout))

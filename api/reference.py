@@ -115,6 +115,7 @@ KINDS = {  # kind -> what it is, unit, range
     "alpha_type": ("the operator, one of those below", "", "as checked"),
     "count": ("the count", "bits", "any"),
     "counts": ("the counts, one for each colour channel", "bits", "not null"),
+    "order": ("the source channel of each destination channel", "", "as checked"),
     "value_out": ("receives the result", "sample", "not null"),
     "cmp_op": ("the operator: `zetCmpLess`, `zetCmpLessEq`, `zetCmpEq`, `zetCmpGreaterEq`, `zetCmpGreater`", "", "any"),
     "size": ("the region", "pixels", "width and height at least 1"),

@@ -1374,6 +1374,104 @@ ZETI_API ZetStatus zetiDup_8u_C1C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst,
 /* CopyManaged. Copies pixels with a choice of cache use. */
 ZETI_API ZetStatus zetiCopyManaged_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int flags);
 
+/* Mirror. Flips an image about an axis. */
+ZETI_API ZetStatus zetiMirror_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16u_C1R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16u_C1IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16u_C3R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16u_C3IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16u_C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16u_C4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16u_AC4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16u_AC4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16s_C1R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16s_C1IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16s_C3R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16s_C3IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16s_C4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16s_C4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16s_AC4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_16s_AC4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32s_C1R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32s_C1IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32s_C3R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32s_C3IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32s_C4R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32s_C4IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32s_AC4R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32s_AC4IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32f_C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, int flip);
+ZETI_API ZetStatus zetiMirror_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, int flip);
+
+/* Transpose. Exchanges rows and columns: dst(y, x) = src(x, y). */
+ZETI_API ZetStatus zetiTranspose_8u_C1R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_8u_C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16u_C1R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16u_C1IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16u_C3R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16u_C3IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16u_C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16u_C4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16s_C1R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16s_C1IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16s_C3R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16s_C3IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16s_C4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_16s_C4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32s_C1R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32s_C1IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32s_C3R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32s_C3IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32s_C4R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32s_C4IR(Zet32s *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32f_C1R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32f_C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiTranspose_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize);
+
+/* SwapChannels. Puts the channels of a pixel in another order: dst[c] = src[dstOrder[c]]. */
+ZETI_API ZetStatus zetiSwapChannels_8u_C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, const int dstOrder[4]);
+ZETI_API ZetStatus zetiSwapChannels_16u_C3R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_16s_C3R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_32s_C3R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_32f_C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_8u_AC4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_8u_C3C4R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[4], Zet8u val);
+ZETI_API ZetStatus zetiSwapChannels_8u_C4C3R(const Zet8u *pSrc, int srcStep, Zet8u *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_16u_AC4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_16u_C3C4R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[4], Zet16u val);
+ZETI_API ZetStatus zetiSwapChannels_16u_C4C3R(const Zet16u *pSrc, int srcStep, Zet16u *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_16s_AC4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_16s_C3C4R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[4], Zet16s val);
+ZETI_API ZetStatus zetiSwapChannels_16s_C4C3R(const Zet16s *pSrc, int srcStep, Zet16s *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_32s_AC4R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_32s_C3C4R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[4], Zet32s val);
+ZETI_API ZetStatus zetiSwapChannels_32s_C4C3R(const Zet32s *pSrc, int srcStep, Zet32s *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_32f_AC4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+ZETI_API ZetStatus zetiSwapChannels_32f_C3C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[4], Zet32f val);
+ZETI_API ZetStatus zetiSwapChannels_32f_C4C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
+
 #ifdef __cplusplus
 }
 #endif
