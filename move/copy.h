@@ -56,7 +56,10 @@ template <class T, class L> ZetStatus copy(const T* pSrc, int srcStep, T* pDst, 
     } else if constexpr (requires { L::channels == L::colours; } && !std::is_same_v<L, C3C> && !std::is_same_v<L, C4C>) {
         copy_samples(src, dst, samples(roiSize, L::channels));
     } else {
-        each_row(samples(roiSize, 1), [&](ptrdiff_t y) { detail::copy_row<L>(src.row(y), dst.row(y), roiSize.width); });
+        constexpr bool one = requires { L::channels; };
+        using Sides = std::conditional_t<one, Pair<L, L>, L>;
+        const Extent rows = collapsed_pixels(roiSize, srcStep, Sides::source::channels * sizeof(T), dstStep, Sides::destination::channels * sizeof(T));
+        each_row(rows, [&](ptrdiff_t y) { detail::copy_row<L>(src.row(y), dst.row(y), rows.width); });
     }
     return zetStsNoErr;
 }

@@ -34,17 +34,29 @@ template <class T, class L> struct MirrorPixels {
     }
 };
 
+inline constexpr int piece_bytes = 1536; // what passes through a buffer at a time: a multiple of every pixel
+
+// The same past the cache.
+template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
+    constexpr ptrdiff_t pixel = Pixels::bytes, piece = piece_bytes / pixel;
+    alignas(16) Zet8u reversed[piece_bytes];
+    for (ptrdiff_t x = 0; x < n; x += piece) {
+        const ptrdiff_t count = std::min(piece, n - x);
+        Pixels::reverse(src + (n - x - count) * pixel, reversed, count);
+        owniCopy_8u_C1(reversed, dst + x * pixel, count * pixel, Cache::streaming);
+    }
+}
+
 // owniExchange_8u_I, owniFlip_8u_C1: two runs of pixels change places. `transfer` moves or reverses.
-inline constexpr int exchange_bytes = 1536; // a multiple of every pixel
 template <int Pixel, class Transfer> void exchange(Zet8u* a, Zet8u* b, ptrdiff_t n, Transfer transfer) {
-    alignas(16) Zet8u kept[exchange_bytes];
+    alignas(16) Zet8u kept[piece_bytes];
     owniCopy_8u_C1(a, kept, n * Pixel, Cache::plain);
     transfer(b, a, n);
     transfer(kept, b, n);
 }
 
 template <class Pixels> void reverse_in_place(Zet8u* row, ptrdiff_t n) {
-    constexpr ptrdiff_t pixel = Pixels::bytes, piece = exchange_bytes / pixel;
+    constexpr ptrdiff_t pixel = Pixels::bytes, piece = piece_bytes / pixel;
     for (; n > 1; row += piece * pixel, n -= 2 * piece) {
         const ptrdiff_t half = std::min(piece, n / 2); // the middle pixel of an odd number stays
         exchange<Pixels::bytes>(row, row + (n - half) * pixel, half, Pixels::reverse);
@@ -59,7 +71,7 @@ template <class T, class L> ZetStatus mirror_I(T* pSrcDst, int srcDstStep, ZetiS
     if (ZetStatus bad = detail::check_flip(roiSize, flip)) return bad;
     const auto image = as<Zet8u>(Dst<T>{pSrcDst, srcDstStep});
     const ptrdiff_t width = roiSize.width, height = roiSize.height;
-    constexpr ptrdiff_t pixel = Pixels::bytes, piece = detail::exchange_bytes / pixel;
+    constexpr ptrdiff_t pixel = Pixels::bytes, piece = detail::piece_bytes / pixel;
     if (flip == detail::vertical_axis) {
         for (ptrdiff_t y = 0; y < height; ++y) detail::reverse_in_place<Pixels>(image.row(y), width);
         return zetStsNoErr;
@@ -83,13 +95,19 @@ template <class T, class L> ZetStatus mirror(const T* pSrc, int srcStep, T* pDst
     const auto src = as<Zet8u>(Src<T>{pSrc, srcStep});
     const auto dst = as<Zet8u>(Dst<T>{pDst, dstStep});
     const ptrdiff_t width = roiSize.width, last = roiSize.height - 1;
+    const Extent bytes = samples(roiSize, Pixels::bytes);
+    const Cache cache = L::keeps_alpha ? Cache::plain : copy_cache(bytes);
     if (flip != detail::horizontal_axis) {
-        each_row(samples(roiSize, 1), [&](ptrdiff_t y) { Pixels::reverse(src.row(flip == detail::both_axes ? last - y : y), dst.row(y), width); });
+        each_row(bytes, [&](ptrdiff_t y) {
+            const Zet8u* const from = src.row(flip == detail::both_axes ? last - y : y);
+            if (cache == Cache::streaming) detail::reverse_streaming<Pixels>(from, dst.row(y), width);
+            else Pixels::reverse(from, dst.row(y), width);
+        });
+        if (cache == Cache::streaming) streaming_fence();
     } else if constexpr (L::keeps_alpha) {
-        each_row(samples(roiSize, 1), [&](ptrdiff_t y) { Pixels::move(src.row(last - y), dst.row(y), width); });
+        each_row(bytes, [&](ptrdiff_t y) { Pixels::move(src.row(last - y), dst.row(y), width); });
     } else {
-        const Extent bytes = samples(roiSize, Pixels::bytes);
-        copy_bytes({src.row(last), -src.step}, dst, bytes, copy_cache(bytes));
+        copy_bytes({src.row(last), -src.step}, dst, bytes, cache);
     }
     return zetStsNoErr;
 }

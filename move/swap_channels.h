@@ -16,6 +16,11 @@ template <int N> constexpr ZetStatus channel_order(const int* order, int last) {
     return fails(bad, zetStsChannelOrderErr);
 }
 
+template <class T, class L> constexpr int pixel_bytes() { // of the source
+    if constexpr (requires { L::channels; }) return L::channels * int{sizeof(T)};
+    else return L::source::channels * int{sizeof(T)};
+}
+
 inline constexpr ptrdiff_t swap_chunk = 192; // pixels that pass through a buffer at a time
 
 // Rows in pieces that fit a buffer: piece(src, dst, pixels).
@@ -43,12 +48,13 @@ ZetStatus swap_channels(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSi
     if (ZetStatus bad = detail::channel_order<3>(dstOrder, last)) return bad;
     const auto src = as<Zet8u>(Src<T>{pSrc, srcStep});
     const auto dst = as<Zet8u>(Dst<T>{pDst, dstStep});
-    const ptrdiff_t width = roiSize.width;
+    constexpr int srcPixel = detail::pixel_bytes<T, L>(), dstPixel = narrows ? 3 * size_ : srcPixel;
+    const Extent rows = collapsed_pixels(roiSize, srcStep, srcPixel, dstStep, dstPixel);
     if constexpr (narrows) {
         const int order[4] = {dstOrder[0], dstOrder[1], dstOrder[2], 3};
         const SwapPixels<size_, 4, false> swap(order);
-        each_row(samples(roiSize, 1), [&](ptrdiff_t y) {
-            detail::each_piece(src.row(y), 4 * size_, dst.row(y), 3 * size_, width, [&](const Zet8u* from, Zet8u* to, ptrdiff_t n) {
+        each_row(rows, [&](ptrdiff_t y) {
+            detail::each_piece(src.row(y), srcPixel, dst.row(y), dstPixel, rows.width, [&](const Zet8u* from, Zet8u* to, ptrdiff_t n) {
                 Zet8u swapped[detail::swap_chunk * 4 * size_];
                 detail::one_to_one(swap, from, swapped, n);
                 detail::one_to_one(NarrowPixels<size_>(), swapped, to, n);
@@ -57,7 +63,7 @@ ZetStatus swap_channels(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSi
     } else {
         const int order[4] = {dstOrder[0], dstOrder[1], dstOrder[2], -1};
         detail::with_swap<size_, L::channels>(order, [&](const auto& swap) {
-            each_row(samples(roiSize, 1), [&](ptrdiff_t y) { detail::one_to_one(swap, src.row(y), dst.row(y), width); });
+            each_row(rows, [&](ptrdiff_t y) { detail::one_to_one(swap, src.row(y), dst.row(y), rows.width); });
         });
     }
     return zetStsNoErr;
@@ -75,10 +81,11 @@ ZetStatus swap_channels(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSi
     T fourth[16 / size_] = {};
     for (int c = 0; c < 4; ++c) order[c] = dstOrder[c] > 3 ? -1 : dstOrder[c];
     for (int i = 3; i < 16 / size_; i += 4) fourth[i] = val;
+    const Extent rows = collapsed_pixels(roiSize, srcStep, 3 * size_, dstStep, 4 * size_);
     const WidenPixels<size_, false> widen{raw(load(fourth))};
     detail::with_swap<size_, 4>(order, [&](const auto& swap) {
-        each_row(samples(roiSize, 1), [&](ptrdiff_t y) {
-            detail::each_piece(src.row(y), 3 * size_, dst.row(y), 4 * size_, roiSize.width, [&](const Zet8u* from, Zet8u* to, ptrdiff_t n) {
+        each_row(rows, [&](ptrdiff_t y) {
+            detail::each_piece(src.row(y), 3 * size_, dst.row(y), 4 * size_, rows.width, [&](const Zet8u* from, Zet8u* to, ptrdiff_t n) {
                 Zet8u widened[detail::swap_chunk * 4 * size_];
                 detail::one_to_one(widen, from, widened, n);
                 detail::one_to_one(swap, widened, to, n);
@@ -95,8 +102,9 @@ template <class T, class L> ZetStatus swap_channels_I(T* pSrcDst, int srcDstStep
     if (ZetStatus bad = detail::channel_order<L::channels>(dstOrder, L::channels - 1)) return bad;
     const auto image = as<Zet8u>(Dst<T>{pSrcDst, srcDstStep});
     const SwapPixels<sizeof(T), L::channels, false> swap(dstOrder);
-    each_row(samples(roiSize, 1), [&](ptrdiff_t y) {
-        detail::each_piece(image.row(y), pixel, image.row(y), pixel, roiSize.width, [&](const Zet8u*, Zet8u* at, ptrdiff_t n) {
+    const Extent rows = collapsed_pixels(roiSize, srcDstStep, pixel, srcDstStep, pixel);
+    each_row(rows, [&](ptrdiff_t y) {
+        detail::each_piece(image.row(y), pixel, image.row(y), pixel, rows.width, [&](const Zet8u*, Zet8u* at, ptrdiff_t n) {
             Zet8u kept[detail::swap_chunk * pixel];
             std::memcpy(kept, at, static_cast<size_t>(n * pixel));
             detail::one_to_one(swap, kept, at, n);

@@ -19,7 +19,7 @@ template <class View> View from(View image, ptrdiff_t x, ptrdiff_t y, int pixel)
 template <class T, class L> ZetStatus transpose_I(T* pSrcDst, int srcDstStep, ZetiSize roiSize) {
     constexpr int pixel = int{sizeof(T)} * L::channels;
     using Tile = TransposeTile<pixel>;
-    constexpr ptrdiff_t side = std::min(32, Tile::columns);
+    constexpr ptrdiff_t side = std::min({32, Tile::rows, Tile::columns});
     if (ZetStatus bad = first(null(pSrcDst), size(roiSize), fails(roiSize.width != roiSize.height, zetStsSizeErr))) return bad;
     const auto image = as<Zet8u>(Dst<T>{pSrcDst, srcDstStep});
     const ptrdiff_t n = roiSize.width;
@@ -32,9 +32,9 @@ template <class T, class L> ZetStatus transpose_I(T* pSrcDst, int srcDstStep, Ze
             one.read(above, width, height);
             if (x != y) {
                 other.read(below, height, width);
-                other.write(above, height, width);
+                other.write(above, height, width, Cache::plain);
             }
-            one.write(below, width, height);
+            one.write(below, width, height, Cache::plain);
         }
     }
     return zetStsNoErr;
@@ -47,15 +47,18 @@ template <class T, class L> ZetStatus transpose(const T* pSrc, int srcStep, T* p
     if (ZetStatus bad = first(null(pSrc, pDst), size(roiSize))) return bad;
     const auto src = as<Zet8u>(Src<T>{pSrc, srcStep});
     const auto dst = as<Zet8u>(Dst<T>{pDst, dstStep});
+    const Cache cache = copy_cache(samples(roiSize, pixel));
     Tile tile;
-    for (ptrdiff_t y = 0; y < roiSize.height; y += Tile::side) {
-        const ptrdiff_t height = std::min<ptrdiff_t>(Tile::side, roiSize.height - y);
+    for (ptrdiff_t y = 0; y < roiSize.height; y += Tile::rows) {
+        const ptrdiff_t height = std::min<ptrdiff_t>(Tile::rows, roiSize.height - y);
         for (ptrdiff_t x = 0; x < roiSize.width; x += Tile::columns) {
-            const ptrdiff_t width = std::min<ptrdiff_t>(Tile::columns, roiSize.width - x);
+            const ptrdiff_t width = std::min<ptrdiff_t>(Tile::columns, roiSize.width - x), ahead = x + 4 * Tile::columns;
+            if (cache == Cache::streaming && ahead < roiSize.width) Tile::announce(detail::from(src, ahead, y, pixel), height);
             tile.read(detail::from(src, x, y, pixel), width, height);
-            tile.write(detail::from(dst, y, x, pixel), width, height);
+            tile.write(detail::from(dst, y, x, pixel), width, height, cache);
         }
     }
+    if (cache == Cache::streaming) streaming_fence();
     return zetStsNoErr;
 }
 

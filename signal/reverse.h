@@ -28,19 +28,19 @@ template <int Pixel> __m128i reversed(__m128i v) {
 template <int Pixel, bool Keeps> struct ReversePixels {
     static constexpr bool in_registers = 16 % Pixel == 0;
     static constexpr int pixels = in_registers ? 64 / Pixel : 48 / Pixel;
-    static constexpr int behind = in_registers ? 0 : 1; // pixels touched behind a block, also by writing
+    static constexpr int aside = in_registers ? 0 : 1; // pixels touched before a block of the source and behind one of the destination
 
     [[gnu::always_inline]] void operator()(const Zet8u* src, Zet8u* dst) const {
+        // Where pixels do not fill registers each store covers what the last one wrote too much.
         if constexpr (Pixel == 3) {
-            const __m128i two = _mm_set1_epi64x(0x0000FFFFFFFFFFFF); // pixels in half a register; each store covers what the last one wrote too much
             for (int i = 0; i < 48; i += 12) {
-                const __m128i v = _mm_and_si128(load_halves(src + 48 - 6 - i, src + 48 - 12 - i), two);
-                store_halves(dst + i, dst + i + 6, _mm_or_si128(_mm_srli_epi64(v, 24), _mm_slli_epi64(v, 24)));
+                const __m128i two = _mm_srli_epi64(load_halves(src + 48 - 8 - i, src + 48 - 14 - i), 16); // pixels in half a register
+                store_halves(dst + i, dst + i + 6, _mm_or_si128(_mm_srli_epi64(two, 24), _mm_slli_epi64(two, 24)));
             }
         } else if constexpr (Pixel == 6) {
-            for (int i = 0; i < 48; i += 6) _mm_storel_epi64(reinterpret_cast<__m128i*>(dst + i), _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src + 42 - i)));
+            for (int i = 0; i < 48; i += 12) store_halves(dst + i, dst + i + 6, _mm_srli_epi64(load_halves(src + 48 - 8 - i, src + 48 - 14 - i), 16));
         } else if constexpr (Pixel == 12) {
-            for (int i = 0; i < 48; i += 12) store(dst + i, load(src + 36 - i));
+            for (int i = 0; i < 48; i += 12) store(dst + i, as_lanes<Zet8u>(_mm_srli_si128(raw(load(src + 32 - i)), 4)));
         } else if constexpr (Pixel == 1) {
             // Half of it as words: a register costs the vector units three shuffles and a swap.
             for (int i = 0; i < 64; i += 32) {
@@ -74,19 +74,15 @@ template <int Pixel, bool Keeps> [[gnu::noinline, gnu::flatten]] void owniFlipCo
     const Block block;
     // `count` pixels from x on, at most a block, by way of buffers.
     const auto buffered = [&](ptrdiff_t x, ptrdiff_t count) __attribute__((always_inline)) {
-        Zet8u in[Block::pixels * Pixel + margin], out[Block::pixels * Pixel + margin];
-        std::memcpy(in + (Block::pixels - count) * Pixel, src + (n - x - count) * Pixel, static_cast<size_t>(count * Pixel));
+        Zet8u in[margin + Block::pixels * Pixel], out[Block::pixels * Pixel + margin];
+        std::memcpy(in + margin + (Block::pixels - count) * Pixel, src + (n - x - count) * Pixel, static_cast<size_t>(count * Pixel));
         if constexpr (Keeps) std::memcpy(out, dst + x * Pixel, static_cast<size_t>(count * Pixel));
-        block(in, out);
+        block(in + margin, out);
         std::memcpy(dst + x * Pixel, out, static_cast<size_t>(count * Pixel));
     };
     if (n < Block::pixels) return buffered(0, n);
     ptrdiff_t x = 0;
-    if (Block::behind > 0) {
-        buffered(0, Block::pixels);
-        x = Block::pixels;
-    }
-    for (; x <= n - Block::pixels - Block::behind; x += Block::pixels) block(src + (n - x - Block::pixels) * Pixel, dst + x * Pixel);
+    for (; x <= n - Block::pixels - Block::aside; x += Block::pixels) block(src + (n - x - Block::pixels) * Pixel, dst + x * Pixel);
     if (x < n) buffered(n - Block::pixels, Block::pixels); // part of it once more
 }
 

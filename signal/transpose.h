@@ -4,6 +4,7 @@
 
 #include "core/view.h"
 #include "signal/channels.h"
+#include "signal/copy.h"
 
 namespace zeti {
 
@@ -26,38 +27,41 @@ template <int Pixel> struct TransposeSquare {
     }
 };
 
-// A tile on its way: whole rows are read into one buffer, and whole rows are written from another, so that no line of memory is
-// visited twice however the rows of an image lie in the cache.
+// A tile on its way: whole pieces of rows are read into one buffer and written from another, so that no line of memory is visited twice
+// however the rows of an image lie in the cache.
 template <int Pixel> class TransposeTile {
     using Square = TransposeSquare<Pixel>;
-    static constexpr int longest = 64;
 
 public:
-    static constexpr int side = longest;
-    // How many columns make a piece of 64 bytes or a little less.
+    // At most so many rows, which become pieces of 64 bytes or more, and so many columns, pieces of 64 bytes or a little less.
+    static constexpr int rows = Pixel == 1 ? 64 : Pixel <= 3 ? 32 : 16;
     static constexpr int columns = Square::in_registers ? 64 / Pixel : Pixel == 3 ? 16 : 8;
 
     void read(Src<Zet8u> src, ptrdiff_t width, ptrdiff_t height) {
-        for (ptrdiff_t y = 0; y < height; ++y) copy(src.row(y), in_ + y * in_step, width * Pixel);
+        if (width == columns)
+            for (ptrdiff_t y = 0; y < height; ++y) std::memcpy(in_ + y * in_step, src.row(y), columns * Pixel);
+        else
+            for (ptrdiff_t y = 0; y < height; ++y) owniCopy_8u_C1(src.row(y), in_ + y * in_step, width * Pixel, Cache::plain);
     }
     // Of a tile of `width` columns and `height` rows: rows of `height` pixels.
-    void write(Dst<Zet8u> dst, ptrdiff_t width, ptrdiff_t height) {
+    void write(Dst<Zet8u> dst, ptrdiff_t width, ptrdiff_t height, Cache cache) {
         for (ptrdiff_t x = 0; x < width; x += Square::side)
             for (ptrdiff_t y = 0; y < height; y += Square::side)
                 Square::run(in_ + y * in_step + x * Pixel, in_step, out_ + x * out_step + y * Pixel, out_step);
-        for (ptrdiff_t x = 0; x < width; ++x) copy(out_ + x * out_step, dst.row(x), height * Pixel);
+        if (height == rows && cache == Cache::plain)
+            for (ptrdiff_t x = 0; x < width; ++x) std::memcpy(dst.row(x), out_ + x * out_step, rows * Pixel);
+        else
+            for (ptrdiff_t x = 0; x < width; ++x) owniCopy_8u_C1(out_ + x * out_step, dst.row(x), height * Pixel, cache);
+    }
+    // Asks the memory for a tile that will be read.
+    static void announce(Src<Zet8u> src, ptrdiff_t height) {
+        for (ptrdiff_t y = 0; y < height; ++y) _mm_prefetch(reinterpret_cast<const char*>(src.row(y)), _MM_HINT_T0);
     }
 
 private:
-    static constexpr int in_step = columns * Pixel + 16, out_step = longest * Pixel + 16;
+    static constexpr int in_step = columns * Pixel + 16, out_step = rows * Pixel + 16;
 
-    static void copy(const Zet8u* src, Zet8u* dst, ptrdiff_t bytes) {
-        ptrdiff_t i = 0;
-        for (; i <= bytes - 16; i += 16) store(dst + i, load(src + i));
-        if (i < bytes) store_bytes(dst + i, load_bytes(src + i, static_cast<int>(bytes - i)), static_cast<int>(bytes - i));
-    }
-
-    alignas(16) Zet8u in_[longest * in_step + 16];
+    alignas(16) Zet8u in_[rows * in_step + 16];
     alignas(16) Zet8u out_[columns * out_step + 16];
 };
 

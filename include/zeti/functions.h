@@ -1472,6 +1472,76 @@ ZETI_API ZetStatus zetiSwapChannels_32f_AC4R(const Zet32f *pSrc, int srcStep, Ze
 ZETI_API ZetStatus zetiSwapChannels_32f_C3C4R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[4], Zet32f val);
 ZETI_API ZetStatus zetiSwapChannels_32f_C4C3R(const Zet32f *pSrc, int srcStep, Zet32f *pDst, int dstStep, ZetiSize roiSize, const int dstOrder[3]);
 
+/* CopyConstBorder. Copies an image into a frame of one value. */
+ZETI_API ZetStatus zetiCopyConstBorder_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet8u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, Zet8u value);
+ZETI_API ZetStatus zetiCopyConstBorder_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet8u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet8u value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet8u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet8u value[4]);
+ZETI_API ZetStatus zetiCopyConstBorder_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet8u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet8u value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, Zet16u value);
+ZETI_API ZetStatus zetiCopyConstBorder_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet16u value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet16u value[4]);
+ZETI_API ZetStatus zetiCopyConstBorder_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet16u value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, Zet16s value);
+ZETI_API ZetStatus zetiCopyConstBorder_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet16s value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet16s value[4]);
+ZETI_API ZetStatus zetiCopyConstBorder_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet16s value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_32s_C1R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, Zet32s value);
+ZETI_API ZetStatus zetiCopyConstBorder_32s_C3R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet32s value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_32s_C4R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet32s value[4]);
+ZETI_API ZetStatus zetiCopyConstBorder_32s_AC4R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet32s value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, Zet32f value);
+ZETI_API ZetStatus zetiCopyConstBorder_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet32f value[3]);
+ZETI_API ZetStatus zetiCopyConstBorder_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet32f value[4]);
+ZETI_API ZetStatus zetiCopyConstBorder_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth, const Zet32f value[3]);
+
+/* CopyReplicateBorder. Copies an image and continues it by its edge pixels. */
+ZETI_API ZetStatus zetiCopyReplicateBorder_8u_C1R(const Zet8u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet8u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_8u_C1IR(Zet8u *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_8u_C3R(const Zet8u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet8u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_8u_C3IR(Zet8u *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_8u_C4R(const Zet8u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet8u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_8u_C4IR(Zet8u *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_8u_AC4R(const Zet8u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet8u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_8u_AC4IR(Zet8u *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16u_C1R(const Zet16u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16u_C1IR(Zet16u *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16u_C3R(const Zet16u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16u_C3IR(Zet16u *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16u_C4R(const Zet16u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16u_C4IR(Zet16u *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16u_AC4R(const Zet16u *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16u *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16u_AC4IR(Zet16u *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16s_C1R(const Zet16s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16s_C1IR(Zet16s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16s_C3R(const Zet16s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16s_C3IR(Zet16s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16s_C4R(const Zet16s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16s_C4IR(Zet16s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16s_AC4R(const Zet16s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet16s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_16s_AC4IR(Zet16s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32s_C1R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32s_C1IR(Zet32s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32s_C3R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32s_C3IR(Zet32s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32s_C4R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32s_C4IR(Zet32s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32s_AC4R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32s_AC4IR(Zet32s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32f_C1IR(Zet32f *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32f_C3R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32f_C3IR(Zet32f *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32f_C4R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32f_C4IR(Zet32f *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32f_AC4R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyReplicateBorder_32f_AC4IR(Zet32f *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+
+/* CopyWrapBorder. Copies an image and continues it periodically. */
+ZETI_API ZetStatus zetiCopyWrapBorder_32s_C1R(const Zet32s *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32s *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyWrapBorder_32s_C1IR(Zet32s *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyWrapBorder_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+ZETI_API ZetStatus zetiCopyWrapBorder_32f_C1IR(Zet32f *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
+
 #ifdef __cplusplus
 }
 #endif
