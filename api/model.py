@@ -28,6 +28,7 @@ Argument kinds
   round_mode, cmp_op, alpha_type, hint   ZetRoundMode, ZetCmpOp, ZetAlphaType, ZetHintAlgorithm
   int, float                  a plain number (flags, extents, tolerances)
   int_out                     a pointer to an integer that the function writes
+  seed                        a pointer to a Zet32u that the function reads and writes
   memory                      a plain pointer
 """
 import re
@@ -42,7 +43,7 @@ TYPES = ["16sc", "32sc", "32fc", "24u", "16u", "16s", "32u", "32s", "32f", "64s"
 CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P2": 2, "P3": 3, "P4": 4, "AP4": 4, "AC1": 2}
 COLOURS = {**CHANNELS, "AC4": 3, "C3C": 1, "C4C": 1}
 # C types of the arguments that do not depend on the sample type.
-PLAIN = {"size": "ZetiSize ", "scale": "int ", "int": "int ", "float": "Zet32f ", "int_out": "int *", "memory": "void *",
+PLAIN = {"size": "ZetiSize ", "scale": "int ", "int": "int ", "float": "Zet32f ", "int_out": "int *", "memory": "void *", "seed": "Zet32u *",
          "round_mode": "ZetRoundMode ", "cmp_op": "ZetCmpOp ", "hint": "ZetHintAlgorithm ", "alpha_type": "ZetAlphaType "}
 BY_VALUE = {"C1", "C3C", "C4C"}
 

@@ -59,7 +59,7 @@ def link(status):
 
 # --- What a group of members has in common ---------------------------------------------------------------------------
 
-FIXED = ("mask", "mask_out", "count", "float")  # kinds whose type does not follow the sample type
+FIXED = ("seed", "mask", "mask_out", "count", "float")  # kinds whose type does not follow the sample type
 
 
 def general(text, member, kind=""):
@@ -115,6 +115,7 @@ KINDS = {  # kind -> what it is, unit, range
     "alpha_type": ("the operator, one of those below", "", "as checked"),
     "count": ("the count", "bits", "any"),
     "counts": ("the counts, one for each colour channel", "bits", "not null"),
+    "seed": ("the state of the generator: any number at first, then what the last call left", "", "not null"),
     "order": ("the source channel of each destination channel", "", "as checked"),
     "value_out": ("receives the result", "sample", "not null"),
     "cmp_op": ("the operator: `zetCmpLess`, `zetCmpLessEq`, `zetCmpEq`, `zetCmpGreaterEq`, `zetCmpGreater`", "", "any"),

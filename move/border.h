@@ -3,8 +3,7 @@
 #pragma once
 
 #include "core/check.h"
-#include "move/rows.h"
-#include "signal/pixel_run.h"
+#include "move/pixel_rows.h"
 
 namespace zeti {
 
@@ -25,56 +24,9 @@ inline ZetStatus check_place(ZetiSize src, ZetiSize dst, int top, int left) {
                  fails(int64_t{top} + src.height > dst.height || int64_t{left} + src.width > dst.width, zetStsSizeErr));
 }
 
-// Runs of destination pixels; AC4 keeps every fourth sample.
-template <class T, class L> class BorderRows {
-    static constexpr int channels = L::channels, pixel = channels * int{sizeof(T)};
-
-public:
-    BorderRows(Dst<T> dst, const Place& place) : dst_(dst), cache_(L::keeps_alpha ? Cache::plain : copy_cache({place.dstWidth * pixel, place.dstHeight})) {}
-    ~BorderRows() {
-        if (cache_ == Cache::streaming) streaming_fence();
-    }
-    T* at(ptrdiff_t y, ptrdiff_t x = 0) const { return dst_.row(y) + x * channels; }
-
-    void copy(const T* from, T* to, ptrdiff_t pixels) const {
-        if (from == to) return;
-        if constexpr (L::keeps_alpha) {
-            TakeFirst take;
-            row<KeepAlpha<T, 4>>(RowOperand<T>{from}, to, to, pixels * channels, take);
-        } else {
-            owniCopy_8u_C1(reinterpret_cast<const Zet8u*>(from), reinterpret_cast<Zet8u*>(to), pixels * pixel, cache_);
-        }
-    }
-    // A few copies of the pixel.
-    void fill(const T* value, T* to, ptrdiff_t pixels) const {
-        if (pixels == 0) return;
-        if constexpr (L::keeps_alpha) {
-            const T colours[4] = {get(value), get(value + 1), get(value + 2)};
-            const Pattern<T, KeepAlpha<T, 4>::period> pattern(colours, 4);
-            TakeFirst take;
-            row<KeepAlpha<T, 4>>(pattern, to, to, pixels * channels, take);
-        } else {
-            PixelRun<pixel>(reinterpret_cast<const Zet8u*>(value)).fill(reinterpret_cast<Zet8u*>(to), pixels);
-        }
-    }
-    // Whole rows of it.
-    void fill_rows(const T* value, ptrdiff_t y, ptrdiff_t width, ptrdiff_t height) const {
-        if constexpr (L::keeps_alpha) {
-            for (ptrdiff_t end = y + height; y < end; ++y) fill(value, at(y), width);
-        } else {
-            const FillPattern pattern(value, channels);
-            for (ptrdiff_t end = y + height; y < end; ++y) owniSet_8u(pattern, reinterpret_cast<Zet8u*>(at(y)), width * pixel, cache_);
-        }
-    }
-
-private:
-    Dst<T> dst_;
-    Cache cache_;
-};
-
 template <class T, class L>
 void const_border(Src<T> src, Dst<T> dst, const Place& p, const T* value) {
-    const BorderRows<T, L> rows(dst, p);
+    const PixelRows<T, L> rows(dst, {p.dstWidth, p.dstHeight});
     rows.fill_rows(value, 0, p.dstWidth, p.top);
     for (ptrdiff_t y = 0; y < p.height; ++y) {
         rows.fill(value, rows.at(p.top + y), p.left);
@@ -87,7 +39,7 @@ void const_border(Src<T> src, Dst<T> dst, const Place& p, const T* value) {
 // The nearest source pixel: rows to their sides, then the first and the last of them up and down.
 struct ReplicateBorder {
     template <class T, class L> static void run(Src<T> src, Dst<T> dst, const Place& p) {
-        const BorderRows<T, L> rows(dst, p);
+        const PixelRows<T, L> rows(dst, {p.dstWidth, p.dstHeight});
         const ptrdiff_t last = p.top + p.height - 1;
         for (ptrdiff_t y = 0; y < p.height; ++y) {
             const T* const from = src.row(y);
@@ -103,7 +55,7 @@ struct ReplicateBorder {
 // The source again and again. What stands grows by whole periods, as many at a time as there are already.
 struct WrapBorder {
     template <class T, class L> static void run(Src<T> src, Dst<T> dst, const Place& p) {
-        const BorderRows<T, L> rows(dst, p);
+        const PixelRows<T, L> rows(dst, {p.dstWidth, p.dstHeight});
         for (ptrdiff_t y = 0; y < p.height; ++y) {
             const ptrdiff_t row = p.top + y;
             rows.copy(src.row(y), rows.at(row, p.left), p.width);

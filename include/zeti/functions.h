@@ -1542,6 +1542,94 @@ ZETI_API ZetStatus zetiCopyWrapBorder_32s_C1IR(Zet32s *pSrc, int srcDstStep, Zet
 ZETI_API ZetStatus zetiCopyWrapBorder_32f_C1R(const Zet32f *pSrc, int srcStep, ZetiSize srcRoiSize, Zet32f *pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
 ZETI_API ZetStatus zetiCopyWrapBorder_32f_C1IR(Zet32f *pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth);
 
+/* ImageRamp. Makes an image whose brightness rises evenly: dst = offset + slope x, offset + slope y, or offset + slope x y. */
+ZETI_API ZetStatus zetiImageRamp_8u_C1R(Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_8u_C3R(Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_8u_C4R(Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_8u_AC4R(Zet8u *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_8s_C1R(Zet8s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_8s_C3R(Zet8s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_8s_C4R(Zet8s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_8s_AC4R(Zet8s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_16u_C1R(Zet16u *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_16u_C3R(Zet16u *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_16u_C4R(Zet16u *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_16u_AC4R(Zet16u *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_16s_C1R(Zet16s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_16s_C3R(Zet16s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_16s_C4R(Zet16s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_16s_AC4R(Zet16s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_32s_C1R(Zet32s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_32s_C3R(Zet32s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_32s_C4R(Zet32s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_32s_AC4R(Zet32s *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_32f_C1R(Zet32f *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_32f_C3R(Zet32f *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_32f_C4R(Zet32f *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+ZETI_API ZetStatus zetiImageRamp_32f_AC4R(Zet32f *pDst, int dstStep, ZetiSize roiSize, Zet32f offset, Zet32f slope, int axis);
+
+/* ImageJaehne. Makes a zone plate: rings that become finer towards the border: s = sin(2 pi r / (4 height)), r = (x - cx)^2 + (y - cy)^2. */
+ZETI_API ZetStatus zetiImageJaehne_8u_C1R(Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_8u_C3R(Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_8u_C4R(Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_8u_AC4R(Zet8u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_8s_C1R(Zet8s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_8s_C3R(Zet8s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_8s_C4R(Zet8s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_8s_AC4R(Zet8s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_16u_C1R(Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_16u_C3R(Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_16u_C4R(Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_16u_AC4R(Zet16u *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_16s_C1R(Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_16s_C3R(Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_16s_C4R(Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_16s_AC4R(Zet16s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_32s_C1R(Zet32s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_32s_C3R(Zet32s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_32s_C4R(Zet32s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_32s_AC4R(Zet32s *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_32f_C1R(Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_32f_C3R(Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_32f_C4R(Zet32f *pDst, int dstStep, ZetiSize roiSize);
+ZETI_API ZetStatus zetiImageJaehne_32f_AC4R(Zet32f *pDst, int dstStep, ZetiSize roiSize);
+
+/* AddRandUniform_Direct. Adds noise that is spread evenly between two bounds. */
+ZETI_API ZetStatus zetiAddRandUniform_Direct_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet8u low, Zet8u high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet8u low, Zet8u high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet8u low, Zet8u high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet8u low, Zet8u high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_16u_C1IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16u low, Zet16u high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_16u_C3IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16u low, Zet16u high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_16u_C4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16u low, Zet16u high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_16u_AC4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16u low, Zet16u high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_16s_C1IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16s low, Zet16s high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_16s_C3IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16s low, Zet16s high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_16s_C4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16s low, Zet16s high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_16s_AC4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16s low, Zet16s high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet32f low, Zet32f high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet32f low, Zet32f high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet32f low, Zet32f high, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandUniform_Direct_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet32f low, Zet32f high, Zet32u *pSeed);
+
+/* AddRandGauss_Direct. Adds normally distributed noise. */
+ZETI_API ZetStatus zetiAddRandGauss_Direct_8u_C1IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet8u mean, Zet8u stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_8u_C3IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet8u mean, Zet8u stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_8u_C4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet8u mean, Zet8u stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_8u_AC4IR(Zet8u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet8u mean, Zet8u stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_16u_C1IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16u mean, Zet16u stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_16u_C3IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16u mean, Zet16u stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_16u_C4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16u mean, Zet16u stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_16u_AC4IR(Zet16u *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16u mean, Zet16u stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_16s_C1IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16s mean, Zet16s stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_16s_C3IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16s mean, Zet16s stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_16s_C4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16s mean, Zet16s stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_16s_AC4IR(Zet16s *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet16s mean, Zet16s stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_32f_C1IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet32f mean, Zet32f stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_32f_C3IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet32f mean, Zet32f stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_32f_C4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet32f mean, Zet32f stdDev, Zet32u *pSeed);
+ZETI_API ZetStatus zetiAddRandGauss_Direct_32f_AC4IR(Zet32f *pSrcDst, int srcDstStep, ZetiSize roiSize, Zet32f mean, Zet32f stdDev, Zet32u *pSeed);
+
 #ifdef __cplusplus
 }
 #endif
