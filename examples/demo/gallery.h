@@ -134,5 +134,6 @@ void show_unary(Gallery &gallery, const Photos &photos);
 void show_ln_exp(Gallery &gallery, const Photos &photos);
 void show_logic(Gallery &gallery, const Photos &photos);
 void show_move(Gallery &gallery, const Photos &photos);
+void show_rearrange(Gallery &gallery, const Photos &photos);
 
 } // namespace demo

@@ -22,6 +22,7 @@ int run(const std::vector<std::string> &files, const std::string &folder) {
     demo::show_ln_exp(gallery, photos);
     demo::show_logic(gallery, photos);
     demo::show_move(gallery, photos);
+    demo::show_rearrange(gallery, photos);
     const std::string page = gallery.write_page();
     std::printf("%s: %s\n", page.c_str(), gallery.summary().c_str());
     return 0;
