@@ -4,6 +4,7 @@
 
 #include "core/check.h"
 #include "move/rows.h"
+#include "move/streaming.h"
 #include "signal/reverse.h"
 
 namespace zeti {
@@ -40,10 +41,11 @@ inline constexpr int piece_bytes = 1536; // what passes through a buffer at a ti
 template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
     constexpr ptrdiff_t pixel = Pixels::bytes, piece = piece_bytes / pixel;
     alignas(16) Zet8u reversed[piece_bytes];
-    for (ptrdiff_t x = 0; x < n; x += piece) {
-        const ptrdiff_t count = std::min(piece, n - x);
+    const ptrdiff_t before = to_line(dst) % pixel == 0 ? to_line(dst) / pixel : 0; // pixels before the first line
+    for (ptrdiff_t x = 0, count; x < n; x += count) {
+        count = std::min(x == 0 && before > 0 ? before : piece, n - x);
         Pixels::reverse(src + (n - x - count) * pixel, reversed, count);
-        owniCopy_8u_C1(reversed, dst + x * pixel, count * pixel, Cache::streaming);
+        copy_run(reversed, dst + x * pixel, count * pixel, Cache::streaming);
     }
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "move/rows.h"
+#include "move/streaming.h"
 #include "signal/pixel_run.h"
 
 namespace zeti {
@@ -24,7 +25,7 @@ public:
             TakeFirst take;
             row<KeepAlpha<T, 4>>(RowOperand<T>{from}, to, to, pixels * channels, take);
         } else {
-            owniCopy_8u_C1(reinterpret_cast<const Zet8u*>(from), reinterpret_cast<Zet8u*>(to), pixels * pixel, cache_);
+            copy_run(reinterpret_cast<const Zet8u*>(from), reinterpret_cast<Zet8u*>(to), pixels * pixel, cache_);
         }
     }
     // A few copies of a pixel.

@@ -4,6 +4,7 @@
 
 #include "core/check.h"
 #include "move/rows.h"
+#include "move/streaming.h"
 #include "signal/transpose.h"
 
 namespace zeti {
@@ -47,13 +48,14 @@ template <class T, class L> ZetStatus transpose(const T* pSrc, int srcStep, T* p
     if (ZetStatus bad = first(null(pSrc, pDst), size(roiSize))) return bad;
     const auto src = as<Zet8u>(Src<T>{pSrc, srcStep});
     const auto dst = as<Zet8u>(Dst<T>{pDst, dstStep});
-    const Cache cache = copy_cache(samples(roiSize, pixel));
+    const bool large = copy_cache(samples(roiSize, pixel)) == Cache::streaming;
+    const Cache cache = large && starts_line(pDst) && dst.step % line_bytes == 0 ? Cache::streaming : Cache::plain;
     Tile tile;
     for (ptrdiff_t y = 0; y < roiSize.height; y += Tile::rows) {
         const ptrdiff_t height = std::min<ptrdiff_t>(Tile::rows, roiSize.height - y);
         for (ptrdiff_t x = 0; x < roiSize.width; x += Tile::columns) {
             const ptrdiff_t width = std::min<ptrdiff_t>(Tile::columns, roiSize.width - x), ahead = x + 4 * Tile::columns;
-            if (cache == Cache::streaming && ahead < roiSize.width) Tile::announce(detail::from(src, ahead, y, pixel), height);
+            if (large && ahead < roiSize.width) Tile::announce(detail::from(src, ahead, y, pixel), height);
             tile.read(detail::from(src, x, y, pixel), width, height);
             tile.write(detail::from(dst, y, x, pixel), width, height, cache);
         }

@@ -33,8 +33,8 @@ template <int Pixel> class TransposeTile {
     using Square = TransposeSquare<Pixel>;
 
 public:
-    // At most so many rows, which become pieces of 64 bytes or more, and so many columns, pieces of 64 bytes or a little less.
-    static constexpr int rows = Pixel == 1 ? 64 : Pixel <= 3 ? 32 : 16;
+    // At most so many rows, which become pieces of whole lines of 64 bytes, and so many columns, pieces of 64 bytes or a little less.
+    static constexpr int rows = Pixel == 1 || Pixel == 3 ? 64 : Pixel == 2 || Pixel == 6 ? 32 : 16;
     static constexpr int columns = Square::in_registers ? 64 / Pixel : Pixel == 3 ? 16 : 8;
 
     void read(Src<Zet8u> src, ptrdiff_t width, ptrdiff_t height) {
