@@ -28,8 +28,10 @@ template <class T> void type(const std::string& type) {
     const Constants<T> constants = {{1, 2, 3, 4}};
     const std::string c = "CopyConstBorder_" + type + "_", r = "CopyReplicateBorder_" + type + "_";
     row(c + "C1R", "", source<T>(1), InnerSize(), destination<T>(1), size, InnerOffset(), T{7});
-    for (const int n : {3, 4}) row(c + "C" + std::to_string(n) + "R", "", source<T>(n), InnerSize(), destination<T>(n), size, InnerOffset(), constants);
-    for (const int n : {1, 3, 4}) row(r + "C" + std::to_string(n) + "R", "", source<T>(n), InnerSize(), destination<T>(n), size, InnerOffset());
+    for (const int n : {3, 4})
+        row(c + "C" + std::to_string(n) + "R", "", source<T>(n), InnerSize(), destination<T>(n), size, InnerOffset(), constants);
+    for (const int n : {1, 3, 4})
+        row(r + "C" + std::to_string(n) + "R", "", source<T>(n), InnerSize(), destination<T>(n), size, InnerOffset());
     row(r + "AC4R", "", source<T>(4), InnerSize(), destination<T>(4), size, InnerOffset());
 }
 

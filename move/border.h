@@ -24,8 +24,7 @@ inline ZetStatus check_place(ZetiSize src, ZetiSize dst, int top, int left) {
                  fails(int64_t{top} + src.height > dst.height || int64_t{left} + src.width > dst.width, zetStsSizeErr));
 }
 
-template <class T, class L>
-void const_border(Src<T> src, Dst<T> dst, const Place& p, const T* value) {
+template <class T, class L> void const_border(Src<T> src, Dst<T> dst, const Place& p, const T* value) {
     const PixelRows<T, L> rows(dst, {p.dstWidth, p.dstHeight});
     rows.fill_rows(value, 0, p.dstWidth, p.top);
     for (ptrdiff_t y = 0; y < p.height; ++y) {
@@ -83,7 +82,8 @@ ZetStatus copy_const_border(const T* pSrc, int srcStep, ZetiSize srcRoiSize, T* 
     const T* values;
     if constexpr (std::is_pointer_v<V>) values = value;
     else values = &value;
-    if (ZetStatus bad = first(null(pSrc, pDst, values), step(srcStep, dstStep), detail::check_place(srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth)))
+    if (ZetStatus bad = first(null(pSrc, pDst, values), step(srcStep, dstStep),
+                              detail::check_place(srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth)))
         return bad;
     detail::const_border<T, L>({pSrc, srcStep}, {pDst, dstStep}, {srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth}, values);
     return zetStsNoErr;
@@ -91,8 +91,10 @@ ZetStatus copy_const_border(const T* pSrc, int srcStep, ZetiSize srcRoiSize, T* 
 
 // Border: detail::ReplicateBorder or detail::WrapBorder.
 template <class Border, class T, class L>
-ZetStatus copy_border(const T* pSrc, int srcStep, ZetiSize srcRoiSize, T* pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth) {
-    if (ZetStatus bad = first(null(pSrc, pDst), step(srcStep, dstStep), detail::check_place(srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth)))
+ZetStatus copy_border(const T* pSrc, int srcStep, ZetiSize srcRoiSize, T* pDst, int dstStep, ZetiSize dstRoiSize, int topBorderHeight,
+                      int leftBorderWidth) {
+    if (ZetStatus bad =
+            first(null(pSrc, pDst), step(srcStep, dstStep), detail::check_place(srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth)))
         return bad;
     Border::template run<T, L>({pSrc, srcStep}, {pDst, dstStep}, {srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth});
     return zetStsNoErr;
@@ -101,7 +103,8 @@ ZetStatus copy_border(const T* pSrc, int srcStep, ZetiSize srcRoiSize, T* pDst, 
 // In place: pSrc addresses the source, inside the destination.
 template <class Border, class T, class L>
 ZetStatus copy_border_I(T* pSrc, int srcDstStep, ZetiSize srcRoiSize, ZetiSize dstRoiSize, int topBorderHeight, int leftBorderWidth) {
-    if (ZetStatus bad = first(null(pSrc), step(srcDstStep), detail::check_place(srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth))) return bad;
+    if (ZetStatus bad = first(null(pSrc), step(srcDstStep), detail::check_place(srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth)))
+        return bad;
     const Dst<T> src{pSrc, srcDstStep};
     const Dst<T> dst{src.row(-ptrdiff_t{topBorderHeight}) - ptrdiff_t{leftBorderWidth} * L::channels, srcDstStep};
     Border::template run<T, L>(src, dst, {srcRoiSize, dstRoiSize, topBorderHeight, leftBorderWidth});

@@ -58,7 +58,8 @@ template <class T, class L> ZetStatus copy(const T* pSrc, int srcStep, T* pDst, 
     } else {
         constexpr bool one = requires { L::channels; };
         using Sides = std::conditional_t<one, Pair<L, L>, L>;
-        const Extent rows = collapsed_pixels(roiSize, srcStep, Sides::source::channels * sizeof(T), dstStep, Sides::destination::channels * sizeof(T));
+        const Extent rows =
+            collapsed_pixels(roiSize, srcStep, Sides::source::channels * sizeof(T), dstStep, Sides::destination::channels * sizeof(T));
         each_row(rows, [&](ptrdiff_t y) { detail::copy_row<L>(src.row(y), dst.row(y), rows.width); });
     }
     return zetStsNoErr;

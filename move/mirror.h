@@ -16,7 +16,8 @@ enum Flip { horizontal_axis = 0, vertical_axis = 1, both_axes = 2 };
 // An image that a flip would leave as it is in the flip's direction is refused, on purpose.
 inline ZetStatus check_flip(ZetiSize roi, int flip) {
     return first(fails(flip < horizontal_axis || flip > both_axes, zetStsMirrorFlipErr),
-                 fails(flip != vertical_axis && roi.height < 2, zetStsSizeErr), fails(flip != horizontal_axis && roi.width < 2, zetStsSizeErr));
+                 fails(flip != vertical_axis && roi.height < 2, zetStsSizeErr),
+                 fails(flip != horizontal_axis && roi.width < 2, zetStsSizeErr));
 }
 
 // Pixels of type T and layout L as bytes; AC4 keeps the fourth sample of the destination.

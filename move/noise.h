@@ -13,7 +13,8 @@
 namespace zeti {
 
 // Noise: UniformNoise with the parameters low and high, or GaussNoise with mean and stdDev.
-template <class Noise, class T, class L> ZetStatus add_rand(T* pSrcDst, int srcDstStep, ZetiSize roiSize, T first_, T second, Zet32u* pSeed) {
+template <class Noise, class T, class L>
+ZetStatus add_rand(T* pSrcDst, int srcDstStep, ZetiSize roiSize, T first_, T second, Zet32u* pSeed) {
     if (ZetStatus bad = first(null(pSrcDst, pSeed), size(roiSize), step(srcDstStep))) return bad;
     const FloatState state;
     const Dst<T> image{pSrcDst, srcDstStep};

@@ -13,7 +13,8 @@ template <class T, class L> class PixelRows {
     static constexpr int channels = L::channels, pixel = channels * int{sizeof(T)};
 
 public:
-    PixelRows(Dst<T> dst, Extent pixels) : dst_(dst), cache_(L::keeps_alpha ? Cache::plain : copy_cache({pixels.width * pixel, pixels.height})) {}
+    PixelRows(Dst<T> dst, Extent pixels)
+        : dst_(dst), cache_(L::keeps_alpha ? Cache::plain : copy_cache({pixels.width * pixel, pixels.height})) {}
     ~PixelRows() {
         if (cache_ == Cache::streaming) streaming_fence();
     }

@@ -24,12 +24,14 @@ template <class T, class L> constexpr int pixel_bytes() { // of the source
 inline constexpr ptrdiff_t swap_chunk = 192; // pixels that pass through a buffer at a time
 
 // Rows in pieces that fit a buffer: piece(src, dst, pixels).
-template <class Piece>
-void each_piece(const Zet8u* src, int sourceBytes, Zet8u* dst, int targetBytes, ptrdiff_t pixels, Piece piece) {
-    for (ptrdiff_t x = 0; x < pixels; x += swap_chunk) piece(src + x * sourceBytes, dst + x * targetBytes, std::min(swap_chunk, pixels - x));
+template <class Piece> void each_piece(const Zet8u* src, int sourceBytes, Zet8u* dst, int targetBytes, ptrdiff_t pixels, Piece piece) {
+    for (ptrdiff_t x = 0; x < pixels; x += swap_chunk)
+        piece(src + x * sourceBytes, dst + x * targetBytes, std::min(swap_chunk, pixels - x));
 }
 
-template <class Block> void one_to_one(const Block& block, const Zet8u* src, Zet8u* dst, ptrdiff_t pixels) { block_row(block, &src, &dst, pixels); }
+template <class Block> void one_to_one(const Block& block, const Zet8u* src, Zet8u* dst, ptrdiff_t pixels) {
+    block_row(block, &src, &dst, pixels);
+}
 
 // Calls use(SwapPixels) for an order in which a negative entry keeps the destination's channel.
 template <int Size, int N, class Use> void with_swap(const int* order, Use use) {

@@ -22,9 +22,11 @@ namespace zeti {
 namespace detail {
 
 // `count` pixels, at most a block, by way of buffers.
-template <class Block> [[gnu::always_inline]] inline void run_buffered(const Block& block, const Zet8u* const* src, Zet8u* const* dst, ptrdiff_t count) {
+template <class Block>
+[[gnu::always_inline]] inline void run_buffered(const Block& block, const Zet8u* const* src, Zet8u* const* dst, ptrdiff_t count) {
     constexpr int margin = 16; // for neighbours
-    Zet8u in[Block::sources][Block::pixels * Block::source_bytes + 2 * margin], out[Block::targets][Block::pixels * Block::target_bytes + 2 * margin];
+    Zet8u in[Block::sources][Block::pixels * Block::source_bytes + 2 * margin],
+        out[Block::targets][Block::pixels * Block::target_bytes + 2 * margin];
     const Zet8u* from[Block::sources];
     Zet8u* to[Block::targets];
     for (int k = 0; k < Block::sources; ++k) {

@@ -37,7 +37,9 @@ public:
         alignas(16) Zet32s r[noise_chunk + 2];
         for (int i = 0; i < n; ++i) r[i] = generator_.next();
         r[n] = 0; // where the last register holds one value
-        for (int i = 0; i < n; i += 2) store(out + i, to_double(as_lanes<Zet32s>(_mm_loadl_epi64(reinterpret_cast<__m128i*>(r + i)))) * range_ * 2.3283064365387e-10 + middle_);
+        for (int i = 0; i < n; i += 2)
+            store(out + i,
+                  to_double(as_lanes<Zet32s>(_mm_loadl_epi64(reinterpret_cast<__m128i*>(r + i)))) * range_ * 2.3283064365387e-10 + middle_);
     }
     Zet32u last() const { return generator_.last(); }
 

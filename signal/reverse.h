@@ -38,7 +38,8 @@ template <int Pixel, bool Keeps> struct ReversePixels {
                 store_halves(dst + i, dst + i + 6, _mm_or_si128(_mm_srli_epi64(two, 24), _mm_slli_epi64(two, 24)));
             }
         } else if constexpr (Pixel == 6) {
-            for (int i = 0; i < 48; i += 12) store_halves(dst + i, dst + i + 6, _mm_srli_epi64(load_halves(src + 48 - 8 - i, src + 48 - 14 - i), 16));
+            for (int i = 0; i < 48; i += 12)
+                store_halves(dst + i, dst + i + 6, _mm_srli_epi64(load_halves(src + 48 - 8 - i, src + 48 - 14 - i), 16));
         } else if constexpr (Pixel == 12) {
             for (int i = 0; i < 48; i += 12) store(dst + i, as_lanes<Zet8u>(_mm_srli_si128(raw(load(src + 32 - i)), 4)));
         } else if constexpr (Pixel == 1) {

@@ -31,7 +31,8 @@ public:
         for (int k = 0; k < registers; ++k) {
             Zet8u* const to = dst[0] + 16 * k;
             __m128i all = Keeps ? _mm_and_si128(kept_, detail::load_raw(to)) : _mm_setzero_si128();
-            for (int c = 0; c < N; ++c) all = _mm_or_si128(all, _mm_and_si128(mask_[c][k % phases], detail::load_raw(src[0] + 16 * k + distance_[c])));
+            for (int c = 0; c < N; ++c)
+                all = _mm_or_si128(all, _mm_and_si128(mask_[c][k % phases], detail::load_raw(src[0] + 16 * k + distance_[c])));
             detail::store_raw(to, all);
         }
     }

@@ -58,7 +58,8 @@ private:
 template <class T> class JaehneRow {
 public:
     // Four times the height whatever the width: kept on purpose.
-    JaehneRow(ZetiSize roi, ptrdiff_t y) : cx_((roi.width - 1) * 0.5), dy_(static_cast<int>(y) - (roi.height - 1) * 0.5), period_(4.0 * roi.height) {}
+    JaehneRow(ZetiSize roi, ptrdiff_t y)
+        : cx_((roi.width - 1) * 0.5), dy_(static_cast<int>(y) - (roi.height - 1) * 0.5), period_(4.0 * roi.height) {}
 
     void fill(T* out, ptrdiff_t x, ptrdiff_t n) const {
         Doubles dx = splat(static_cast<int>(x) - cx_) + Doubles{0, 1};
@@ -85,7 +86,8 @@ private:
     // Into the range of sine(): by exact differences from multiples of 2 pi, whose own rounding is collected in `less`.
     static void reduce(Doubles& a, Doubles& less) {
         constexpr double turns = 0x1.921fb54442d18p+28, rounding = 0x1.1a62633145c07p-26; // 2^26 of them
-        if (!any(a >= turns)) [[likely]] return;
+        if (!any(a >= turns)) [[likely]]
+            return;
         for (double multiple = 0x1p34; multiple >= 1; multiple *= 0.5) {
             const auto goes = as_lanes<uint64_t>(a >= turns * multiple);
             const auto of = [&](double v) { return as_lanes<Zet64f>(goes & as_lanes<uint64_t>(splat(v))); };

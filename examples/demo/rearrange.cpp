@@ -22,7 +22,8 @@ void show_places(Gallery &gallery, const Photos &photos) {
         gallery.family("Transpose", "Exchanges rows and columns.");
         const Colour &night = photos.colour(3);
         const Colour dst({night.size.height, night.size.width}), quarter(dst.size);
-        Shot shot = gallery.shot("A quarter turn", "Rows become columns; with a flip after that the image has turned by a right angle.", night.size);
+        Shot shot = gallery.shot("A quarter turn", "Rows become columns; with a flip after that the image has turned by a right angle.",
+                                 night.size);
         shot.run(CALL(zetiTranspose_8u_C3R(night.p, night.step, dst.p, dst.step, night.size)));
         shot.run(CALL(zetiMirror_8u_C3R(dst.p, dst.step, quarter.p, quarter.step, dst.size, 1)));
         shot.show({{"night", picture(night)}}, {{"dst", picture(dst)}, {"quarter", picture(quarter)}});
@@ -85,7 +86,8 @@ void show_synthesis(Gallery &gallery, const Photos &photos) {
     {
         gallery.family("ImageJaehne", "Makes a zone plate: rings that become finer towards the border.");
         const Grey dst(size);
-        Shot shot = gallery.shot("Rings", "Every frequency in every direction: what a filter does to it is what it does to an image.", size);
+        Shot shot =
+            gallery.shot("Rings", "Every frequency in every direction: what a filter does to it is what it does to an image.", size);
         shot.run(CALL(zetiImageJaehne_8u_C1R(dst.p, dst.step, size)));
         shot.show({}, {{"dst", picture(dst)}});
     }

@@ -50,12 +50,18 @@ template <class T> void check(Border border, const std::string& layout, bool inP
     const int step = inside ? dst.step : src.step;
     ZetStatus status;
     if (inPlace) status = member<ZetStatus(T*, int, ZetiSize, ZetiSize, int, int)>(name)(corner, step, k.src, k.dst, k.top, k.left);
-    else if (border != constant) status = member<ZetStatus(const T*, int, ZetiSize, T*, int, ZetiSize, int, int)>(name)(from, step, k.src, to, dst.step, k.dst, k.top, k.left);
-    else if (c > 1) status = member<ZetStatus(const T*, int, ZetiSize, T*, int, ZetiSize, int, int, const T*)>(name)(from, step, k.src, to, dst.step, k.dst, k.top, k.left, values);
-    else status = member<ZetStatus(const T*, int, ZetiSize, T*, int, ZetiSize, int, int, T)>(name)(from, step, k.src, to, dst.step, k.dst, k.top, k.left, *values);
+    else if (border != constant)
+        status = member<ZetStatus(const T*, int, ZetiSize, T*, int, ZetiSize, int, int)>(name)(from, step, k.src, to, dst.step, k.dst,
+                                                                                               k.top, k.left);
+    else if (c > 1)
+        status = member<ZetStatus(const T*, int, ZetiSize, T*, int, ZetiSize, int, int, const T*)>(name)(from, step, k.src, to, dst.step,
+                                                                                                         k.dst, k.top, k.left, values);
+    else
+        status = member<ZetStatus(const T*, int, ZetiSize, T*, int, ZetiSize, int, int, T)>(name)(from, step, k.src, to, dst.step, k.dst,
+                                                                                                  k.top, k.left, *values);
     EXPECT_EQ(status, zetStsNoErr) << name;
-    EXPECT_TRUE(src.intact() && dst.intact()) << name << ": " << dst.intact().message() << ", source " << k.src.width << " x " << k.src.height << " at "
-                                              << k.left << ", " << k.top;
+    EXPECT_TRUE(src.intact() && dst.intact()) << name << ": " << dst.intact().message() << ", source " << k.src.width << " x "
+                                              << k.src.height << " at " << k.left << ", " << k.top;
     sum.add(dst);
 }
 
@@ -76,7 +82,8 @@ TEST(Border, EveryMember) {
                     if (border == constant ? inPlace : border == wrapped && (layout != std::string("C1") || sizeof(T) < 4)) continue;
                     Random r(std::string(families[border]) + layout + token<T>());
                     for (int i = 0; i < 100 && !testing::Test::HasFailure(); ++i) check<T>(border, layout, inPlace, r, any_case(r, i), sum);
-                    if (sizeof(T) < 4 || border == wrapped) check<T>(border, layout, inPlace, r, {{500, 300}, {1100, 700}, 333, 17}, sum); // past the cache
+                    if (sizeof(T) < 4 || border == wrapped)
+                        check<T>(border, layout, inPlace, r, {{500, 300}, {1100, 700}, 333, 17}, sum); // past the cache
                 }
         };
         of_type(Zet8u{}), of_type(Zet16u{}), of_type(Zet16s{}), of_type(Zet32s{}), of_type(Zet32f{});

@@ -32,7 +32,8 @@ template <class T> std::string name_of(const char* family, const Layout& l, bool
 }
 
 // Calls with the arguments that follow the images.
-template <class T, class... A> ZetStatus call(const std::string& name, const Image<Bits<T>>& src, const Image<Bits<T>>& dst, ZetiSize roi, A... rest) {
+template <class T, class... A>
+ZetStatus call(const std::string& name, const Image<Bits<T>>& src, const Image<Bits<T>>& dst, ZetiSize roi, A... rest) {
     T *const from = reinterpret_cast<T*>(src.data()), *const to = reinterpret_cast<T*>(dst.data());
     if (name.ends_with("IR")) return member<ZetStatus(T*, int, ZetiSize, A...)>(name)(to, dst.step, roi, rest...);
     return member<ZetStatus(const T*, int, T*, int, ZetiSize, A...)>(name)(from, src.step, to, dst.step, roi, rest...);
@@ -50,7 +51,8 @@ template <class T, class From> void expect(const Image<Bits<T>>& src, Image<Bits
     for (int y = 0; y < dst.height; ++y)
         for (int x = 0; x < dst.width; ++x)
             for (int c = 0; c < dst.channels; ++c)
-                if (const auto [fy, fx, fc] = from(y, x, c); fc >= 0) dst.expect(y, x * dst.channels + c, read.at(fy, fx * read.channels + fc));
+                if (const auto [fy, fx, fc] = from(y, x, c); fc >= 0)
+                    dst.expect(y, x * dst.channels + c, read.at(fy, fx * read.channels + fc));
 }
 
 struct Place {
@@ -160,7 +162,9 @@ TEST(Rearrange, LargeImages) {
 
 TEST(Rearrange, ChecksInTheirOrder) {
     Zet8u image[64] = {}, dst[64] = {};
-    const auto intact = [&] { return std::all_of(image, image + 64, [](Zet8u v) { return v == 0; }) && std::all_of(dst, dst + 64, [](Zet8u v) { return v == 0; }); };
+    const auto intact = [&] {
+        return std::all_of(image, image + 64, [](Zet8u v) { return v == 0; }) && std::all_of(dst, dst + 64, [](Zet8u v) { return v == 0; });
+    };
     const auto check = [&](const std::string& name, const auto& arguments, std::vector<ZetStatus> order, auto more) {
         std::vector<Error<std::decay_t<decltype(arguments)>>> errors;
         for (auto& e : common_errors(arguments))
@@ -171,11 +175,13 @@ TEST(Rearrange, ChecksInTheirOrder) {
     const Zet8u* const src = image;
     const ZetiSize roi = {4, 4};
     const auto flips = [](auto& errors) {
-        for (const int bad : {-1, 3, INT_MIN, INT_MAX}) errors.push_back({zetStsMirrorFlipErr, [=](auto& a) { std::get<std::tuple_size_v<std::decay_t<decltype(a)>> - 1>(a) = bad; }});
+        for (const int bad : {-1, 3, INT_MIN, INT_MAX})
+            errors.push_back({zetStsMirrorFlipErr, [=](auto& a) { std::get<std::tuple_size_v<std::decay_t<decltype(a)>> - 1>(a) = bad; }});
     };
     check("zetiMirror_8u_C1R", std::tuple(src, 4, +dst, 4, roi, 2), {zetStsNullPtrErr, zetStsSizeErr, zetStsMirrorFlipErr}, flips);
     check("zetiMirror_8u_C1IR", std::tuple(+image, 4, roi, 2), {zetStsNullPtrErr, zetStsSizeErr, zetStsMirrorFlipErr}, flips);
-    EXPECT_EQ(member<ZetStatus(Zet8u*, int, ZetiSize, int)>("zetiMirror_8u_C1IR")(+image, 4, ZetiSize{1, 1}, 3), zetStsMirrorFlipErr); // before the size that is too small for a flip
+    EXPECT_EQ(member<ZetStatus(Zet8u*, int, ZetiSize, int)>("zetiMirror_8u_C1IR")(+image, 4, ZetiSize{1, 1}, 3),
+              zetStsMirrorFlipErr); // before the size that is too small for a flip
     const auto none = [](auto&) {};
     check("zetiTranspose_8u_C1R", std::tuple(src, 4, +dst, 4, roi), {zetStsNullPtrErr, zetStsSizeErr}, none);
     check("zetiTranspose_8u_C1IR", std::tuple(+image, 4, roi), {zetStsNullPtrErr, zetStsSizeErr}, none);
@@ -184,7 +190,10 @@ TEST(Rearrange, ChecksInTheirOrder) {
     const std::vector<ZetStatus> order = {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr, zetStsChannelOrderErr};
     const auto entries = [](std::initializer_list<int> which, auto index) {
         return [=](auto& errors) {
-            for (const int i : which) errors.push_back({zetStsChannelOrderErr, [=](auto& a) { if (auto& p = std::get<decltype(index)::value>(a)) p = bad[i]; }});
+            for (const int i : which)
+                errors.push_back({zetStsChannelOrderErr, [=](auto& a) {
+                                      if (auto& p = std::get<decltype(index)::value>(a)) p = bad[i];
+                                  }});
         };
     };
     const std::integral_constant<int, 5> sixth;
@@ -193,8 +202,10 @@ TEST(Rearrange, ChecksInTheirOrder) {
     check("zetiSwapChannels_8u_AC4R", std::tuple(src, 8, +dst, 8, small, +good), order, entries({0, 1, 2, 3, 4}, sixth));
     check("zetiSwapChannels_8u_C4C3R", std::tuple(src, 8, +dst, 8, small, +good), order, entries({1, 2, 3, 4}, sixth));
     check("zetiSwapChannels_8u_C3C4R", std::tuple(src, 8, +dst, 8, small, +good, Zet8u{9}), order, entries({1, 3, 5}, sixth));
-    check("zetiSwapChannels_8u_C3IR", std::tuple(+image, 8, small, +good), order, entries({0, 1, 2, 3, 4}, std::integral_constant<int, 3>()));
-    check("zetiSwapChannels_8u_C4IR", std::tuple(+image, 8, small, +good), order, entries({1, 2, 3, 4, 5}, std::integral_constant<int, 3>()));
+    check("zetiSwapChannels_8u_C3IR", std::tuple(+image, 8, small, +good), order,
+          entries({0, 1, 2, 3, 4}, std::integral_constant<int, 3>()));
+    check("zetiSwapChannels_8u_C4IR", std::tuple(+image, 8, small, +good), order,
+          entries({1, 2, 3, 4, 5}, std::integral_constant<int, 3>()));
 }
 
 } // namespace

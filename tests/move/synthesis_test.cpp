@@ -47,10 +47,13 @@ TEST(Synthesis, Ramp) {
             for (int i = 0; i < 120 && !testing::Test::HasFailure(); ++i) {
                 const ZetiSize roi = {i < 60 ? i + 1 : r.between(1, 900), r.between(1, 6)};
                 const int c = channels_of(layout), axis = r.pick({0, 1, 2, 2, 3, -1, INT_MIN}), gap = r.pick({0, 1, 2, 3, 40});
-                Image<T> image(roi.width, roi.height, c, (roi.width * c * int{sizeof(T)} + gap) & ~(int{sizeof(T)} - 1), r.pick({Fence::behind, Fence::before}), r.between(0, 9));
+                Image<T> image(roi.width, roi.height, c, (roi.width * c * int{sizeof(T)} + gap) & ~(int{sizeof(T)} - 1),
+                               r.pick({Fence::behind, Fence::before}), r.between(0, 9));
                 image.fill(r, r.pattern());
-                const float span = std::ldexp(1.0f, int(8 * sizeof(T))), offset = r.chance(8) ? r.edge<float>() : r.pick({0.0f, -0.0f, 0.5f, -2.5f, span / 2, span, -span}),
-                            slope = r.chance(8) ? r.edge<float>() : r.pick({1.0f, -1.0f, 0.5f, 0.37f, -0.0625f, span / 100, -span / 77, 8388607.0f});
+                const float span = std::ldexp(1.0f, int(8 * sizeof(T))),
+                            offset = r.chance(8) ? r.edge<float>() : r.pick({0.0f, -0.0f, 0.5f, -2.5f, span / 2, span, -span}),
+                            slope = r.chance(8) ? r.edge<float>()
+                                                : r.pick({1.0f, -1.0f, 0.5f, 0.37f, -0.0625f, span / 100, -span / 77, 8388607.0f});
                 for (int y = 0; axis >= 0 && axis < 3 && y < roi.height; ++y)
                     for (int x = 0; x < roi.width; ++x) {
                         const float product = axis == 0 ? slope * float(x) : axis == 1 ? slope * float(y) : slope * float(x) * float(y);
@@ -91,7 +94,8 @@ TEST(Synthesis, Jaehne) {
             Random r(name);
             for (const ZetiSize roi : {ZetiSize{1, 1}, {2, 3}, {7, 7}, {256, 31}, {257, 64}, {513, 5}, {1000, 1}, {300000, 1}, {20, 301}}) {
                 if (roi.width > 1000 && c > 1) continue;
-                Image<T> image(roi.width, roi.height, c, (roi.width * c + r.between(0, 9)) * int{sizeof(T)}, r.pick({Fence::behind, Fence::before}), r.between(0, 9));
+                Image<T> image(roi.width, roi.height, c, (roi.width * c + r.between(0, 9)) * int{sizeof(T)},
+                               r.pick({Fence::behind, Fence::before}), r.between(0, 9));
                 ZetStatus status;
                 {
                     const OddState odd;
@@ -102,8 +106,10 @@ TEST(Synthesis, Jaehne) {
                     for (int x = 0; x < roi.width; ++x) {
                         const double dx = x - (roi.width - 1) * 0.5, dy = y - (roi.height - 1) * 0.5;
                         const double s = std::sin(6.283185307179586 * (dx * dx + dy * dy) / (4.0 * roi.height));
-                        const T want = jaehne_sample<T>(s), got = image.at(y, x * c), other = jaehne_sample<T>(s + 0x1p-51), another = jaehne_sample<T>(s - 0x1p-51);
-                        ASSERT_TRUE(got == want || got == other || got == another) << name << " at " << x << ", " << y << ": " << text(got) << ", not " << text(want);
+                        const T want = jaehne_sample<T>(s), got = image.at(y, x * c), other = jaehne_sample<T>(s + 0x1p-51),
+                                another = jaehne_sample<T>(s - 0x1p-51);
+                        ASSERT_TRUE(got == want || got == other || got == another)
+                            << name << " at " << x << ", " << y << ": " << text(got) << ", not " << text(want);
                         for (int k = 0; k < colours_of(layout); ++k) image.expect(y, x * c + k, got);
                     }
                 EXPECT_TRUE(image.intact()) << name;
@@ -135,12 +141,15 @@ struct Sequence {
 
 template <class T> T plus(T sample, double noise) {
     if constexpr (is_float<T>) return static_cast<T>(sample + noise);
-    else return static_cast<T>(std::clamp<double>(sample + std::nearbyint(noise), std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
+    else
+        return static_cast<T>(
+            std::clamp<double>(sample + std::nearbyint(noise), std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
 template <class T> ZetStatus add_noise(bool gauss, const std::string& layout, Image<T>& image, T a, T b, Zet32u* seed) {
     const std::string name = std::string("zetiAddRand") + (gauss ? "Gauss" : "Uniform") + "_Direct_" + token<T>() + "_" + layout + "IR";
-    return member<ZetStatus(T*, int, ZetiSize, T, T, Zet32u*)>(name)(image.data(), image.step, ZetiSize{image.width, image.height}, a, b, seed);
+    return member<ZetStatus(T*, int, ZetiSize, T, T, Zet32u*)>(name)(image.data(), image.step, ZetiSize{image.width, image.height}, a, b,
+                                                                     seed);
 }
 
 TEST(Synthesis, NoiseFollowsTheSequence) {
@@ -156,7 +165,8 @@ TEST(Synthesis, NoiseFollowsTheSequence) {
                     if (is_float<T>)
                         for (int y = 0; y < image.height; ++y)
                             for (int k = 0; k < image.row_samples(); ++k) image.set(y, k, static_cast<T>(r.between(-1000, 1000)));
-                    T a = is_float<T> ? static_cast<T>(r.between(-99, 99) * 0.37) : r.edge<T>(), b = is_float<T> ? static_cast<T>(r.between(-99, 99) * 0.59) : r.edge<T>();
+                    T a = is_float<T> ? static_cast<T>(r.between(-99, 99) * 0.37) : r.edge<T>(),
+                      b = is_float<T> ? static_cast<T>(r.between(-99, 99) * 0.59) : r.edge<T>();
                     if (r.chance(9)) a = b = 0;
                     Zet32u seed = r.edge<Zet32u>();
                     Sequence sequence(seed);
@@ -166,7 +176,8 @@ TEST(Synthesis, NoiseFollowsTheSequence) {
                         for (int k = 0; k < image.row_samples(); ++k) {
                             if (k % c >= colours_of(layout)) continue;
                             double noise = waiting;
-                            if (!gauss) noise = sequence.next() * (double(b) - double(a)) * 2.3283064365387e-10 + (double(a) + double(b)) * 0.5;
+                            if (!gauss)
+                                noise = sequence.next() * (double(b) - double(a)) * 2.3283064365387e-10 + (double(a) + double(b)) * 0.5;
                             if (gauss && !waits) {
                                 double u, v, s;
                                 do u = sequence.next() * 4.656612873077e-10, v = sequence.next() * 4.656612873077e-10, s = u * u + v * v;
@@ -183,7 +194,9 @@ TEST(Synthesis, NoiseFollowsTheSequence) {
                         status = add_noise(gauss, layout, image, a, b, &seed);
                     }
                     EXPECT_EQ(status, zetStsNoErr);
-                    const auto close = [](T one, T other) { return is_float<T> && std::abs(one - other) <= std::abs(one) * 0x1p-22; }; // of another logarithm
+                    const auto close = [](T one, T other) {
+                        return is_float<T> && std::abs(one - other) <= std::abs(one) * 0x1p-22;
+                    }; // of another logarithm
                     EXPECT_TRUE(image.intact(close)) << gauss << " " << layout << " " << token<T>() << " " << text(a) << " " << text(b);
                     EXPECT_EQ(seed, sequence.x0);
                     sum.add(image);
@@ -248,7 +261,8 @@ TEST(Synthesis, ChecksInTheirOrder) {
         check("zetiImageRamp_16s_C1R", std::tuple(+image, 8, roi, 1.0f, 1.0f, axis), {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr});
     standin_reset(), standin_refuse_all_allocations(1);
     for (const int axis : {0, 1}) {
-        EXPECT_EQ(member<ZetStatus(Zet16s*, int, ZetiSize, Zet32f, Zet32f, int)>("zetiImageRamp_16s_C1R")(+image, 8, roi, 0.0f, 0.0f, axis), axis == 0 ? zetStsMemAllocErr : zetStsNoErr);
+        EXPECT_EQ(member<ZetStatus(Zet16s*, int, ZetiSize, Zet32f, Zet32f, int)>("zetiImageRamp_16s_C1R")(+image, 8, roi, 0.0f, 0.0f, axis),
+                  axis == 0 ? zetStsMemAllocErr : zetStsNoErr);
         EXPECT_EQ(standin_allocations(), 1);
     }
     standin_reset();
