@@ -71,20 +71,23 @@ private:
 // dst[x] = src[n - 1 - x]; the two do not overlap.
 template <int Pixel, bool Keeps> [[gnu::noinline, gnu::flatten]] void owniFlipCopy_8u(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
     using Block = ReversePixels<Pixel, Keeps>;
-    constexpr int margin = 16;
     const Block block;
     // `count` pixels from x on, at most a block, by way of buffers.
     const auto buffered = [&](ptrdiff_t x, ptrdiff_t count) __attribute__((always_inline)) {
-        Zet8u in[margin + Block::pixels * Pixel], out[Block::pixels * Pixel + margin];
-        std::memcpy(in + margin + (Block::pixels - count) * Pixel, src + (n - x - count) * Pixel, static_cast<size_t>(count * Pixel));
+        Zet8u in[Block::pixels * Pixel], out[Block::pixels * Pixel];
+        std::memcpy(in + (Block::pixels - count) * Pixel, src + (n - x - count) * Pixel, static_cast<size_t>(count * Pixel));
         if constexpr (Keeps) std::memcpy(out, dst + x * Pixel, static_cast<size_t>(count * Pixel));
-        block(in + margin, out);
+        block(in, out);
         std::memcpy(dst + x * Pixel, out, static_cast<size_t>(count * Pixel));
     };
-    if (n < Block::pixels) return buffered(0, n);
+    if (Block::aside == 0 && n < Block::pixels) return buffered(0, n);
     ptrdiff_t x = 0;
     for (; x <= n - Block::pixels - Block::aside; x += Block::pixels) block(src + (n - x - Block::pixels) * Pixel, dst + x * Pixel);
-    if (x < n) buffered(n - Block::pixels, Block::pixels); // part of it once more
+    if constexpr (Block::aside == 0) {
+        if (x < n) buffered(n - Block::pixels, Block::pixels); // part of it once more
+    } else {
+        for (; x < n; ++x) std::memcpy(dst + x * Pixel, src + (n - 1 - x) * Pixel, Pixel);
+    }
 }
 
 } // namespace zeti
