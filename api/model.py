@@ -4,7 +4,8 @@
 Vocabulary of the TOML files
   [members.NAME]      a list of {types, layouts, suffixes}: the product of the three is the set of members; an entry may have
                       arguments and a template of its own
-  [arguments.NAME]    suffix -> list of arguments "kind name [step]"; Sfs appends the scale factor by itself
+  [arguments.NAME]    a list of arguments "kind name [step]", or such lists by suffix, by layout and suffix, or by type; Sfs appends the
+                      scale factor by itself
   [notes.NAME]        text shared by the reference pages of several families
   [[family]]          operation, members, arguments, template, header, returns (ZetStatus if not given) and the texts of
                       its reference page
@@ -23,6 +24,7 @@ Argument kinds
   bits                        an image of packed bits that is read; the types token names it 1u
   value                       one constant by value on C1, C3C and C4C, else a pointer to one per colour channel
   count                       likewise, of Zet32u whatever the sample type
+  order                       a pointer to one channel number per colour channel
   sample                      one constant of the sample type by value, whatever the layout
   value_out                   a pointer to a sample that the function writes
   values_out, doubles_out, indices_out   results, one per colour channel: samples, Zet64f, Zet32s
@@ -30,6 +32,7 @@ Argument kinds
   round_mode, cmp_op, alpha_type, hint   ZetRoundMode, ZetCmpOp, ZetAlphaType, ZetHintAlgorithm
   int, float                  a plain number (flags, extents, tolerances)
   int_out                     a pointer to an integer that the function writes
+  seed                        a pointer to a Zet32u that the function reads and writes
   memory                      a plain pointer
   bound                       one number by value on C1, else a pointer to one per colour channel, of the sample's type of levels: Zet32f for
                               32f, else Zet32s; `number` likewise, of int; `counts_out` a pointer to as many counts that are written
@@ -37,7 +40,6 @@ Argument kinds
                               `bound`, the same written, entries of the destination's type
   state:R, state_read:R, state_out:R   a pointer to a record R, to one that is only read, to a pointer to one; {T} in R is the type
   values_out:N                a pointer to N samples that the function writes
-An argument shape may also be told by type where its list differs between types.
 """
 import re
 import tomllib
@@ -52,6 +54,7 @@ CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P
 COLOURS = {**CHANNELS, "AC4": 3, "A0C4": 3, "C3C": 1, "C4C": 1}
 # C types of the arguments that do not depend on the sample type.
 PLAIN = {"size": "ZetiSize ", "point": "ZetiPoint ", "scale": "int ", "int": "int ", "float": "Zet32f ", "int_out": "int *", "memory": "void *",
+         "seed": "Zet32u *",
          "round_mode": "ZetRoundMode ", "cmp_op": "ZetCmpOp ", "hint": "ZetHintAlgorithm ", "alpha_type": "ZetAlphaType "}
 BY_VALUE = {"C1", "C3C", "C4C"}
 # One by itself on C1, else an array of one per colour channel: {L} is the type of levels, {D} that of the destination.
@@ -153,6 +156,8 @@ def _declare(text, types, layout):
     elif kind in RESULTS:
         result = RESULTS[kind] or destination_type
         declaration = f"{result} *{name}" if destination in BY_VALUE else f"{result} {name}[{COLOURS[destination]}]"
+    elif kind == "order":
+        declaration = f"const int {name}[{COLOURS[destination]}]"
     else:
         plain = {"sample": f"{destination_type} ", "value_out": f"{destination_type} *", **PLAIN}
         declaration = plain[kind] + name
@@ -177,7 +182,9 @@ def _member(family, group, shapes, type_token, layout, suffix):
     types = tuple(split_types(type_token)) if type_token else ()
     form = suffix.removesuffix("Sfs")
     shape = shapes[group.get("arguments", family.arguments)]
-    texts = list(shape if isinstance(shape, list) else shape[form] if form in shape else shape[type_token])
+    if isinstance(shape, dict):
+        shape = next(shape[key] for key in (layout + form, form, type_token) if key in shape)
+    texts = list(shape)
     if suffix.endswith("Sfs"):
         texts.append("scale scaleFactor")
     arguments = tuple(a for text in texts for a in _declare(text, types, layout))

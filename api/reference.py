@@ -62,7 +62,7 @@ def link(status):
 # --- What a group of members has in common ---------------------------------------------------------------------------
 
 # Kinds whose type does not follow the sample type; those of the type of levels.
-FIXED = ("mask", "mask_out", "bits", "count", "float", "bins", "number", "counts_out", "doubles_out", "indices_out")
+FIXED = ("seed", "mask", "mask_out", "bits", "count", "float", "bins", "number", "counts_out", "doubles_out", "indices_out")
 OF_LEVELS = ("bound", "levels", "levels_out")
 
 
@@ -127,6 +127,8 @@ KINDS = {  # kind -> what it is, unit, range
     "alpha_type": ("the operator, one of those below", "", "as checked"),
     "count": ("the count", "bits", "any"),
     "counts": ("the counts, one for each colour channel", "bits", "not null"),
+    "seed": ("the state of the generator: any number at first, then what the last call left", "", "not null"),
+    "order": ("the source channel of each destination channel", "", "as checked"),
     "value_out": ("receives the result", "sample", "not null"),
     "values_out": ("receives the result of each colour channel", "samples", "not null"),
     "doubles_out": ("receives the result of each colour channel", "", "not null"),
@@ -198,7 +200,7 @@ def legend(members):
     lines = [f"{letters}, `L` a layout; the table shows which suffixes exist for each pair. Read `ZetT` as `Zet8u` for `8u`."]
     colours = {}
     for m in members:
-        if any(a.kind in ("values", "counts", *RESULTS, *PER_CHANNEL) for a in m.arguments) and m.layout not in {"", *BY_VALUE}:
+        if any(a.kind in ("values", "counts", "order", *RESULTS, *PER_CHANNEL) for a in m.arguments) and m.layout not in {"", *BY_VALUE}:
             colours.setdefault(COLOURS[split_layout(m.layout)[1]], []).append(m.layout)
     parts = [f"{n} on {' and '.join(unique(layouts))}" for n, layouts in colours.items()]
     if any(a.kind in OF_LEVELS for m in members for a in m.arguments):

@@ -86,6 +86,16 @@ inline void store_bytes(void* p, __m128i v, int bytes) {
     }
 }
 
+// Half registers: 8 bytes at each of two places.
+inline __m128i load_halves(const void* low, const void* high) {
+    const __m128i h = _mm_loadl_epi64(static_cast<const __m128i*>(high));
+    return _mm_unpacklo_epi64(_mm_loadl_epi64(static_cast<const __m128i*>(low)), h);
+}
+inline void store_halves(void* low, void* high, __m128i v) {
+    _mm_storel_epi64(static_cast<__m128i*>(low), v);
+    _mm_storeh_pd(static_cast<double*>(high), reinterpret_cast<__m128d>(v));
+}
+
 // Partial vectors of n < lanes<T> samples, zeros behind them.
 template <class T> Vec<T> load(const T* p, int n) { return as_lanes<T>(load_bytes(p, n * int{sizeof(T)})); }
 template <class T> void store(T* p, Vec<T> v, int n) { store_bytes(p, raw(v), n * int{sizeof(T)}); }
@@ -224,6 +234,20 @@ inline Vec<Zet8u> narrow_16u_to_8u(Vec<Zet16u> low, Vec<Zet16u> high) {
 // Signed 32-bit lanes to 16u, saturating; lanes must be at least -2^31 + 32768.
 inline Vec<Zet16u> narrow_to_16u(Vec<Zet32s> low, Vec<Zet32s> high) {
     return as_lanes<Zet16u>(narrow_to_16s(low - 32768, high - 32768)) ^ Zet16u{0x8000};
+}
+
+// Units of so many bytes of two registers by turns: of their low halves, of their high halves.
+template <int Bytes> __m128i interleave_low(__m128i a, __m128i b) {
+    if constexpr (Bytes == 1) return _mm_unpacklo_epi8(a, b);
+    else if constexpr (Bytes == 2) return _mm_unpacklo_epi16(a, b);
+    else if constexpr (Bytes == 4) return _mm_unpacklo_epi32(a, b);
+    else return _mm_unpacklo_epi64(a, b);
+}
+template <int Bytes> __m128i interleave_high(__m128i a, __m128i b) {
+    if constexpr (Bytes == 1) return _mm_unpackhi_epi8(a, b);
+    else if constexpr (Bytes == 2) return _mm_unpackhi_epi16(a, b);
+    else if constexpr (Bytes == 4) return _mm_unpackhi_epi32(a, b);
+    else return _mm_unpackhi_epi64(a, b);
 }
 
 // --- Products -----------------------------------------------------------------------------------------------------

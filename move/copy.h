@@ -5,38 +5,36 @@
 #include "core/check.h"
 #include "move/masked.h"
 #include "move/rows.h"
+#include "signal/channels.h"
 
 namespace zeti {
 
 namespace detail {
 
-// One channel of a pixel to one channel of another.
+// One channel of a pixel to one channel of another. No other channel of the destination is touched, not even to be stored again: other
+// threads may be at them.
 template <int From, int To, class T> void copy_channel(const T* src, T* dst, ptrdiff_t width) {
+#pragma GCC unroll 8
     for (ptrdiff_t x = 0; x < width; ++x) put(dst + x * To, get(src + x * From));
 }
 
-// The colour samples of pixels that differ in what lies behind them.
-template <int From, int To, class T> void copy_colours(const T* src, T* dst, ptrdiff_t width) {
-    for (ptrdiff_t x = 0; x < width; ++x)
-        for (int c = 0; c < 3; ++c) put(dst + x * To + c, get(src + x * From + c));
+template <class Block, class T> void copy_blocks(const T* src, T* dst, ptrdiff_t width) {
+    const Zet8u* const from = reinterpret_cast<const Zet8u*>(src);
+    Zet8u* const to = reinterpret_cast<Zet8u*>(dst);
+    block_row(Block(), &from, &to, width);
 }
 
-template <class L> struct CopyForm; // row(src, dst, width) for layouts that are no plain move of rows
-
-template <int From, int To> struct ChannelForm {
-    template <class T> static void row(const T* src, T* dst, ptrdiff_t width) { copy_channel<From, To>(src, dst, width); }
-};
-template <int From, int To> struct ColourForm {
-    template <class T> static void row(const T* src, T* dst, ptrdiff_t width) { copy_colours<From, To>(src, dst, width); }
-};
-template <> struct CopyForm<C3C> : ChannelForm<3, 3> {};
-template <> struct CopyForm<C4C> : ChannelForm<4, 4> {};
-template <> struct CopyForm<C3C1> : ChannelForm<3, 1> {};
-template <> struct CopyForm<C4C1> : ChannelForm<4, 1> {};
-template <> struct CopyForm<C1C3> : ChannelForm<1, 3> {};
-template <> struct CopyForm<C1C4> : ChannelForm<1, 4> {};
-template <> struct CopyForm<AC4C3> : ColourForm<4, 3> {};
-template <> struct CopyForm<C3AC4> : ColourForm<3, 4> {};
+// Rows of layouts that are no plain move of samples.
+template <class L, class T> void copy_row(const T* src, T* dst, ptrdiff_t width) {
+    if constexpr (std::is_same_v<L, C3C>) copy_channel<3, 3>(src, dst, width);
+    else if constexpr (std::is_same_v<L, C4C>) copy_channel<4, 4>(src, dst, width);
+    else if constexpr (std::is_same_v<L, C1C3>) copy_channel<1, 3>(src, dst, width);
+    else if constexpr (std::is_same_v<L, C1C4>) copy_channel<1, 4>(src, dst, width);
+    else if constexpr (std::is_same_v<L, C3C1>) copy_blocks<SplitChannels<sizeof(T), 3, 1>>(src, dst, width);
+    else if constexpr (std::is_same_v<L, C4C1>) copy_blocks<SplitChannels<sizeof(T), 4, 1>>(src, dst, width);
+    else if constexpr (std::is_same_v<L, AC4C3>) copy_blocks<NarrowPixels<sizeof(T)>>(src, dst, width);
+    else copy_blocks<WidenPixels<sizeof(T), true>>(src, dst, width);
+}
 
 // Plane images lie without gaps when their rows are as wide as their step and the interleaved rows follow suit.
 inline Extent collapsed_planes(Extent e, int channels, ptrdiff_t sampleBytes, ptrdiff_t planeStep, ptrdiff_t interleavedStep) {
@@ -58,7 +56,11 @@ template <class T, class L> ZetStatus copy(const T* pSrc, int srcStep, T* pDst, 
     } else if constexpr (requires { L::channels == L::colours; } && !std::is_same_v<L, C3C> && !std::is_same_v<L, C4C>) {
         copy_samples(src, dst, samples(roiSize, L::channels));
     } else {
-        each_row(samples(roiSize, 1), [&](ptrdiff_t y) { detail::CopyForm<L>::row(src.row(y), dst.row(y), roiSize.width); });
+        constexpr bool one = requires { L::channels; };
+        using Sides = std::conditional_t<one, Pair<L, L>, L>;
+        const Extent rows =
+            collapsed_pixels(roiSize, srcStep, Sides::source::channels * sizeof(T), dstStep, Sides::destination::channels * sizeof(T));
+        each_row(rows, [&](ptrdiff_t y) { detail::copy_row<L>(src.row(y), dst.row(y), rows.width); });
     }
     return zetStsNoErr;
 }
@@ -68,11 +70,12 @@ template <class T, class L> ZetStatus copy(const T* pSrc, int srcStep, T* const*
     constexpr int channels = L::source::channels;
     if (ZetStatus bad = first(null(pSrc), null_planes<channels>(pDst), size(roiSize))) return bad;
     const Extent rows = detail::collapsed_planes(samples(roiSize, 1), channels, sizeof(T), dstStep, srcStep);
-    for (int c = 0; c < channels; ++c) {
-        const Src<T> src{pSrc + c, srcStep};
-        const Dst<T> dst{pDst[c], dstStep};
-        each_row(rows, [&](ptrdiff_t y) { detail::copy_channel<channels, 1>(src.row(y), dst.row(y), rows.width); });
-    }
+    each_row(rows, [&](ptrdiff_t y) {
+        const Zet8u* const from = as<Zet8u>(Src<T>{pSrc, srcStep}).row(y);
+        Zet8u* to[channels];
+        for (int c = 0; c < channels; ++c) to[c] = as<Zet8u>(Dst<T>{pDst[c], dstStep}).row(y);
+        block_row(SplitChannels<sizeof(T), channels, channels>(), &from, to, rows.width);
+    });
     return zetStsNoErr;
 }
 
@@ -81,11 +84,12 @@ template <class T, class L> ZetStatus copy(const T* const* pSrc, int srcStep, T*
     constexpr int channels = L::destination::channels;
     if (ZetStatus bad = first(null_planes<channels>(pSrc), null(pDst), size(roiSize))) return bad;
     const Extent rows = detail::collapsed_planes(samples(roiSize, 1), channels, sizeof(T), srcStep, dstStep);
-    for (int c = 0; c < channels; ++c) {
-        const Src<T> src{pSrc[c], srcStep};
-        const Dst<T> dst{pDst + c, dstStep};
-        each_row(rows, [&](ptrdiff_t y) { detail::copy_channel<1, channels>(src.row(y), dst.row(y), rows.width); });
-    }
+    each_row(rows, [&](ptrdiff_t y) {
+        const Zet8u* from[channels];
+        for (int c = 0; c < channels; ++c) from[c] = as<Zet8u>(Src<T>{pSrc[c], srcStep}).row(y);
+        Zet8u* const to = as<Zet8u>(Dst<T>{pDst, dstStep}).row(y);
+        block_row(JoinChannels<sizeof(T), channels>(), from, &to, rows.width);
+    });
     return zetStsNoErr;
 }
 

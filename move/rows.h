@@ -29,6 +29,12 @@ template <class... Step> Extent collapsed(Extent rows, ptrdiff_t rowBytes, Step.
     return (... && (step == rowBytes)) ? Extent{rows.width * rows.height, 1} : rows;
 }
 
+// The same for pixels of different sizes on the two sides.
+inline Extent collapsed_pixels(ZetiSize roi, ptrdiff_t srcStep, ptrdiff_t srcPixel, ptrdiff_t dstStep, ptrdiff_t dstPixel) {
+    const Extent pixels = samples(roi, 1);
+    return collapsed(pixels, 0, srcStep - pixels.width * srcPixel, dstStep - pixels.width * dstPixel);
+}
+
 template <class Row> void each_row(Extent e, Row row) {
     for (ptrdiff_t y = 0; y < e.height; ++y) row(y);
 }

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""The polynomials under the row kernels of Ln, by the exchange algorithm (Remez 1934).
+"""The polynomials under the logarithms and the sine of the row kernels, by the exchange algorithm (Remez 1934).
 
 Prints each polynomial's coefficients, lowest power first, and the largest relative error that it leaves in the function's result.
 """
@@ -54,11 +54,26 @@ def log_tail(w):
     return total
 
 
+def sine_series(w, first):
+    """(-1)^k w^(k - first) / (2 k + 1)! for k from `first` on, with w = x^2."""
+    term, total, k = D(1), D(0), 1
+    for k in range(1, first + 1):
+        term = -term / (2 * k * (2 * k + 1))
+    k = first
+    while abs(term) > D(10) ** -55:
+        total, k = total + term, k + 1
+        term = -term * w / (2 * k * (2 * k + 1))
+    return total
+
+
 def main():
+    x_max = D("1.5708")  # a little more than a right angle
     w_max = ((D(2).sqrt() - 1) / (D(2).sqrt() + 1)) ** 2
     for name, result in (
         ("log, single", minimax(log_tail, lambda w: w / 2, w_max / 10**6, w_max, 2)),
         ("log, double", minimax(log_tail, lambda w: w / 2, w_max / 10**6, w_max, 4)),
+        ("log of noise", minimax(log_tail, lambda w: w / 2, w_max / 10**6, w_max, 6)),
+        ("sine", minimax(lambda w: sine_series(w, 1), lambda w: w / sine_series(w, 0), x_max**2 / 10**6, x_max**2, 7)),
     ):
         c, e = result
         print(f"{name}, degree {len(c) - 1}: error 2^{e.ln() / LN2:.2f}")

@@ -137,5 +137,6 @@ void show_move(Gallery &gallery, const Photos &photos);
 void show_convert_and_scale(Gallery &gallery, const Photos &photos);
 void show_tables(Gallery &gallery, const Photos &photos);
 void show_stats(Gallery &gallery, const Photos &photos);
+void show_rearrange(Gallery &gallery, const Photos &photos);
 
 } // namespace demo

@@ -25,6 +25,7 @@ int run(const std::vector<std::string> &files, const std::string &folder) {
     demo::show_convert_and_scale(gallery, photos);
     demo::show_tables(gallery, photos);
     demo::show_stats(gallery, photos);
+    demo::show_rearrange(gallery, photos);
     const std::string page = gallery.write_page();
     std::printf("%s: %s\n", page.c_str(), gallery.summary().c_str());
     return 0;
