@@ -153,7 +153,7 @@ TEST(Lut, EveryMemberAtEveryWidth) {
             check(f, r, width, r.between(1, 4), &sum);
         }
     });
-    EXPECT_TRUE(sum.is_known(__FILE__, "LUT")); // cubics to the last bit
+    EXPECT_TRUE(sum.is_known("LUT")); // cubics to the last bit
 }
 
 // Constants on 16 bits: below 4097 pixels C1 and C3 search, all else is mapped through a table, and the results agree.
