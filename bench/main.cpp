@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Runs the rows at every size. The yardstick is memcpy: where an operation touches B bytes, reads plus writes, memcpy copies B/2 bytes
-// to B/2 others. Where it writes no image, the yardstick is a plain loop that reads B bytes by whole registers. The two take turns, a batch of calls each. Machines are noisy, and what a neighbour takes of a shared core slows
-// arithmetic more than memory: the figures are of the fastest tenth of the turns, and the median of the turns' own ratios stands
-// beside them.
+// to B/2 others. Where it reads no image, memcpy writes as much as it does, B bytes; where it writes none, the yardstick is a plain
+// loop that reads B bytes by whole registers. The two take turns, a batch of calls each. Machines are noisy, and what a neighbour
+// takes of a shared core slows arithmetic more than memory: the figures are of the fastest tenth of the turns, and the median of the
+// turns' own ratios stands beside them.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 #include <emmintrin.h>
@@ -65,16 +66,17 @@ void read_all(const char* from, size_t bytes) {
 }
 
 void measure(benchmark::State& state, const Row& row, ZetiSize size) {
-    const size_t pixels = size_t(size.width) * size.height, half = pixels * row.touched / 2;
-    Arena arena(size, size_t(size.width + 64) * size.height * row.stored + 2 * half + 4096);
+    const size_t pixels = size_t(size.width) * size.height, bytes = pixels * row.touched;
+    const size_t copied = row.reads ? bytes / 2 : bytes;
+    Arena arena(size, size_t(size.width + 64) * size.height * row.stored + 2 * copied + 4096);
     const auto calls = row.prepare(arena);
-    char *const from = arena.take(half), *const to = arena.take(half);
-    std::memset(from, 1, half);
-    std::memset(to, 1, half);
-    const auto copies = [=, reads = row.onlyReads](int count) {
+    char *const from = arena.take(copied), *const to = arena.take(copied);
+    std::memset(from, 1, copied);
+    std::memset(to, 1, copied);
+    const auto copies = [=, writes = row.writes](int count) {
         for (int i = 0; i < count; ++i) {
-            if (reads) read_all(from, 2 * half); // both lie side by side
-            else std::memcpy(to, from, half);
+            if (writes) std::memcpy(to, from, copied);
+            else read_all(from, bytes); // both lie side by side
             benchmark::ClobberMemory();
         }
     };
@@ -91,8 +93,9 @@ void measure(benchmark::State& state, const Row& row, ZetiSize size) {
         state.SetIterationTime(quantile(ours, undisturbed));
     }
     state.counters["pixels"] = static_cast<double>(pixels);
-    state.counters["bytes"] = static_cast<double>(2 * half);
-    state.counters["reads"] = row.onlyReads;
+    state.counters["bytes"] = static_cast<double>(bytes);
+    state.counters["reads"] = row.reads;
+    state.counters["writes"] = row.writes;
     state.counters["yardstick_ns"] = quantile(theirs, undisturbed) * 1e9;
     state.counters["median_ratio"] = quantile(ratios, 0.5);
 }

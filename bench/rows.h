@@ -42,7 +42,7 @@ template <class T> T sample(size_t i) {
 // --- Arguments: `stored` and `touched` bytes per pixel, and bind(), which makes the C arguments ----------------------------
 
 template <class T, int Touches> struct Image { // one image that is read or written, or both
-    static constexpr bool writes = !std::is_const_v<T>;
+    static constexpr bool writes = !std::is_const_v<T>, reads = !writes || Touches == 2;
     int channels;
     int stored() const { return channels * int{sizeof(T)}; }
     int touched() const { return Touches * stored(); }
@@ -60,7 +60,7 @@ template <class T> Image<T, 1> destination(int channels) { return {channels}; }
 template <class T> Image<T, 2> both(int channels) { return {channels}; }
 
 template <class T, int N> struct Planes { // T is const for a source
-    static constexpr bool writes = !std::is_const_v<T>;
+    static constexpr bool writes = !std::is_const_v<T>, reads = !writes;
     std::array<T*, N> planes{};
     int stored() const { return N * int{sizeof(T)}; }
     int touched() const { return stored(); }
@@ -73,6 +73,7 @@ template <class T, int N> struct Planes { // T is const for a source
 
 // Pixels of the mask in runs of `run`, set and unset by turns; 0 sets all.
 struct Mask {
+    static constexpr bool reads = true;
     int run;
     static int stored() { return 1; }
     static int touched() { return 1; }
@@ -121,13 +122,17 @@ struct Row {
     std::string name;
     int stored = 0, touched = 0; // bytes per pixel
     std::function<std::function<void(int)>(Arena&)> prepare; // gives the function that makes so many calls
-    bool onlyReads = false; // no image is written
+    bool reads = true, writes = true; // images
 };
 
 void add(Row row);
 void* member(const std::string& name);
 
 namespace detail {
+template <class A> constexpr bool reads() {
+    if constexpr (requires { A::reads; }) return A::reads;
+    else return false;
+}
 template <class A> constexpr bool writes() {
     if constexpr (requires { A::writes; }) return A::writes;
     else return false;
@@ -150,7 +155,8 @@ template <class... A> void row(const std::string& name, const std::string& detai
         };
     };
     add({detail.empty() ? name : name + "/" + detail, sum([](const auto& a) { return a.stored(); }),
-         sum([](const auto& a) { return a.touched(); }), prepare, !(... || detail::writes<decltype(argument(plain))>())});
+         sum([](const auto& a) { return a.touched(); }), prepare, (... || detail::reads<decltype(argument(plain))>()),
+         (... || detail::writes<decltype(argument(plain))>())});
 }
 
 } // namespace bench

@@ -38,14 +38,17 @@ template <class T, class L> struct MirrorPixels {
 
 inline constexpr int piece_bytes = 1536; // what passes through a buffer at a time: a multiple of every pixel
 
-// The same past the cache.
+// The same past the cache, in pieces so small that the next one is reversed while this one leaves, and asked for ahead of time.
 template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
-    constexpr ptrdiff_t pixel = Pixels::bytes, piece = piece_bytes / pixel;
-    alignas(16) Zet8u reversed[piece_bytes];
+    constexpr int lines = 6 * line_bytes, ahead = 4096;
+    constexpr ptrdiff_t pixel = Pixels::bytes, piece = lines / pixel;
+    alignas(16) Zet8u reversed[lines];
     const ptrdiff_t before = to_line(dst) % pixel == 0 ? to_line(dst) / pixel : 0; // pixels before the first line
     for (ptrdiff_t x = 0, count; x < n; x += count) {
         count = std::min(x == 0 && before > 0 ? before : piece, n - x);
-        Pixels::reverse(src + (n - x - count) * pixel, reversed, count);
+        const Zet8u* const from = src + (n - x - count) * pixel;
+        for (int k = 0; k < lines; k += line_bytes) prefetch(from, k - ahead);
+        Pixels::reverse(from, reversed, count);
         copy_run(reversed, dst + x * pixel, count * pixel, Cache::streaming);
     }
 }

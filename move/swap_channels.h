@@ -21,7 +21,7 @@ template <class T, class L> constexpr int pixel_bytes() { // of the source
     else return L::source::channels * int{sizeof(T)};
 }
 
-inline constexpr ptrdiff_t swap_chunk = 192; // pixels that pass through a buffer at a time
+inline constexpr ptrdiff_t swap_chunk = 768; // pixels that pass through a buffer at a time
 
 // Rows in pieces that fit a buffer: piece(src, dst, pixels).
 template <class Piece> void each_piece(const Zet8u* src, int sourceBytes, Zet8u* dst, int targetBytes, ptrdiff_t pixels, Piece piece) {

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """Runs the benchmark, prints a table beside its yardstick and writes the figures to bench.json in the build folder.
 
-A row's ratio is its bytes per second (reads plus writes) over those of its yardstick on as many bytes: memcpy, or for an operation that
-writes no image (marked r) a loop that only reads. The two are measured by turns, in
+A row's ratio is its bytes per second (reads plus writes) over those of its yardstick on as many bytes: memcpy; for an operation that
+reads no image (marked w) memcpy that writes as many; for one that writes none (marked r) a loop that only reads. The two are measured by turns, in
 several passes over all rows; the figures are of the fastest tenth of the turns in the best pass, and beside them stands the median.
 """
 
@@ -25,6 +25,11 @@ TARGETS = [
     ("Div 32f", "Div_32f_.*" + SIZES, 0.3),
     ("Convert streaming", r"Convert_(8u(16[us]|32[sf])|(16[us]|32[sf])8u)_C[134]R.*/4096x4096", 0.9),
     ("Convert in cache", r"Convert_(8u(16[us]|32[sf])|(16[us]|32[sf])8u)_C[134]R.*/256x256", 0.7),
+    ("planes and swaps", r"(SwapChannels_8u_C3I?R|Copy_8u_(C3P3|P3C3)R)/(256x256|4096x4096)", 0.5),
+    ("Mirror streaming", r"Mirror_.*/4096x4096", 0.9),
+    ("Mirror in cache", r"Mirror_.*/256x256", 0.7),
+    ("Transpose", r"Transpose_(8u_C1|16s_C1|32f_C1|.*_C4)R/4096x4096", 0.4),
+    ("borders", r"Copy(Const|Replicate|Wrap)Border_.*/(256x256|4096x4096)", 0.9),
     ("reading one channel", r"(Sum|Mean|Max|Min|MinMax|Norm(Diff)?_(Inf|L1|L2))_(8u|16s|32f)_C1R/4096x4096", 0.9),
     ("reading several", r"(Sum|Mean|Max|Min|MinMax|Norm(Diff)?_(Inf|L1|L2))_(8u|16s|32f)_A?C[34]R/4096x4096", 0.6),
     ("logic, thresholds, comparisons, Abs streaming", r"(And|Or|Xor|Not|Complement|LShift|RShift|Threshold|Compare|Abs).*/4096x4096", 0.9),
@@ -72,7 +77,7 @@ def figures(run):
             "ns_per_call": nanoseconds,
             "megapixels_per_second": rows[0]["pixels"] / nanoseconds * 1e3,
             "gigabytes_per_second": rows[0]["bytes"] / nanoseconds,
-            "yardstick": "read" if rows[0]["reads"] else "memcpy",
+            "yardstick": "memcpy" if rows[0]["reads"] and rows[0]["writes"] else "write" if rows[0]["writes"] else "read",
             "yardstick_gigabytes_per_second": rows[0]["bytes"] / yardstick,
             "ratio": yardstick / nanoseconds,
             "median_ratio": statistics.median(row["median_ratio"] for row in rows),
@@ -88,7 +93,7 @@ def print_table(rows):
     print(f"{'operation':<34}{'size':>10}{'ns/call':>12}{'Mpx/s':>9}{'GB/s':>8}{'yard':>7} {'ratio':>7}{'median':>8}")
     for row in rows:
         print(f"{row['operation']:<34}{row['size']:>10}{row['ns_per_call']:>12.0f}{row['megapixels_per_second']:>9.0f}"
-              f"{row['gigabytes_per_second']:>8.2f}{row['yardstick_gigabytes_per_second']:>7.2f}{'r' if row['yardstick'] == 'read' else ' '}{row['ratio']:>7.2f}"
+              f"{row['gigabytes_per_second']:>8.2f}{row['yardstick_gigabytes_per_second']:>7.2f}{' ' if row['yardstick'] == 'memcpy' else row['yardstick'][0]}{row['ratio']:>7.2f}"
               f"{row['median_ratio']:>8.2f}{'  below ' + str(row['target']) if misses(row) else ''}")
 
 
