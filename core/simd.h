@@ -92,8 +92,10 @@ inline __m128i load_halves(const void* low, const void* high) {
     return _mm_unpacklo_epi64(_mm_loadl_epi64(static_cast<const __m128i*>(low)), h);
 }
 inline void store_halves(void* low, void* high, __m128i v) {
-    _mm_storel_epi64(static_cast<__m128i*>(low), v);
-    _mm_storeh_pd(static_cast<double*>(high), reinterpret_cast<__m128d>(v));
+    const auto halves = as_lanes<uint64_t>(v);
+    const uint64_t words[2] = {halves[0], halves[1]};
+    std::memcpy(low, words, sizeof *words);
+    std::memcpy(high, words + 1, sizeof *words);
 }
 
 // Partial vectors of n < lanes<T> samples, zeros behind them.

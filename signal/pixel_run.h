@@ -14,10 +14,11 @@ public:
         if constexpr (Pixel == 16) {
             part_[0] = part_[1] = part_[2] = raw(load(pixel));
         } else {
+            constexpr int two = std::min(16, 2 * Pixel), four = std::min(16, 4 * Pixel);
             __m128i v = load_bytes(pixel, Pixel);
             v = _mm_or_si128(v, _mm_slli_si128(v, Pixel));
-            v = _mm_or_si128(v, _mm_slli_si128(v, std::min(16, 2 * Pixel)));
-            v = _mm_or_si128(v, _mm_slli_si128(v, std::min(16, 4 * Pixel)));
+            v = _mm_or_si128(v, _mm_slli_si128(v, two));
+            v = _mm_or_si128(v, _mm_slli_si128(v, four));
             if constexpr (Pixel == 1) v = _mm_unpacklo_epi64(v, v);
             // 16 and 32 bytes into the pattern; what the shift down leaves is filled from the pattern's start.
             constexpr int first = 16 % Pixel, second = 32 % Pixel, from_first = 16 % Pixel == 0 ? 16 : 8;
