@@ -15,7 +15,7 @@ namespace detail {
 template <class T> Vec<Zet32s> rounded_up(Vec<Zet32f> v) {
     const auto floor = [](Vec<Zet32f> x) {
         const auto whole = to_int_truncated(x);
-        return whole + as_lanes<Zet32s>(to_float(whole) > x);
+        return as_lanes<Zet32s>(as_lanes<Zet32u>(whole) + as_lanes<Zet32u>(to_float(whole) > x)); // of what does not fit it wraps
     };
     if constexpr (sizeof(T) < 4) {
         return floor(min<Zet32f>(max<Zet32f>(v, splat(Zet32f{min_of<T>})), splat(Zet32f{max_of<T>})) + 0.5f);
