@@ -69,12 +69,12 @@ private:
     Vec<Zet16u> c_;
 };
 
-// 8u times less than a half, s <= 7: x moves down by a bit, to make room for the half above it.
+// 8u times less than a half, 2 <= s <= 7: x moves down by a bit, to make room for the half above it.
 class ScaledProductWithFraction8u {
     static constexpr int half_before(Zet8u c, int s) { return ((1 << (s - 1 + 7)) + c - 1) / c; }
 
 public:
-    static bool takes(Zet8u c, int s) { return c % 2 == 1 && s <= 7 && c < 1 << s >> 1; }
+    static bool takes(Zet8u c, int s) { return c % 2 == 1 && s >= 2 && s <= 7 && c < 1 << (s - 1); }
 
     ScaledProductWithFraction8u(Zet8u c, int s)
         : low_(splat(static_cast<Zet8u>((2 << s) - 1))), tie_(splat(static_cast<Zet8u>((1 << (s - 1)) + (c / 2 % 2 << s)))),
