@@ -72,7 +72,8 @@ template <class T> void premultiply_planes(SrcPlanes<T> src, DstPlanes<T> dst, Z
 // --- AlphaComp ----------------------------------------------------------------------------------------------------
 
 template <class T, class L>
-ZetStatus alpha_comp(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize, ZetAlphaType alphaType) {
+ZetStatus alpha_comp(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize,
+                     ZetAlphaType alphaType) {
     using namespace detail;
     if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst), size(roiSize), alpha_type(alphaType, zetAlphaPlusPremul))) return bad;
     with_operator(alphaType, [&](auto op, auto premultiplied) {
@@ -83,8 +84,8 @@ ZetStatus alpha_comp(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step,
 }
 
 template <class T, class L>
-ZetStatus alpha_comp(const T* const* pSrc1, int src1Step, const T* const* pSrc2, int src2Step, T* const* pDst, int dstStep, ZetiSize roiSize,
-                     ZetAlphaType alphaType) {
+ZetStatus alpha_comp(const T* const* pSrc1, int src1Step, const T* const* pSrc2, int src2Step, T* const* pDst, int dstStep,
+                     ZetiSize roiSize, ZetAlphaType alphaType) {
     using namespace detail;
     if (ZetStatus bad = first(null_planes<4>(pSrc1), null_planes<4>(pSrc2), null_planes<4>(pDst), size(roiSize),
                               alpha_type(alphaType, zetAlphaPlusPremul)))
@@ -107,9 +108,9 @@ ZetStatus alpha_comp_constant(const T* pSrc1, int src1Step, T alpha1, const T* p
     with_operator(alphaType, [&](auto op, auto premultiplied) {
         const auto run = [&](auto kernel) { two_sources<T, L>({pSrc1, src1Step}, {pSrc2, src2Step}, {pDst, dstStep}, roiSize, kernel); };
         if constexpr (std::is_same_v<L, AC4>)
-            run(alpha::Pixels<decltype(op), premultiplied, T, 4, alpha::Faded<T>>{fade<T, 4, premultiplied>(alpha1), fade<T, 4, premultiplied>(alpha2)});
-        else
-            run(alpha::Constant<decltype(op), premultiplied, T>{splat(alpha1), splat(alpha2)});
+            run(alpha::Pixels<decltype(op), premultiplied, T, 4, alpha::Faded<T>>{fade<T, 4, premultiplied>(alpha1),
+                                                                                  fade<T, 4, premultiplied>(alpha2)});
+        else run(alpha::Constant<decltype(op), premultiplied, T>{splat(alpha1), splat(alpha2)});
     });
     return zetStsNoErr;
 }

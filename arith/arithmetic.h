@@ -24,7 +24,8 @@ template <class T, class... Kernel, class Use> bool with_first_of(T c, int s, Us
 }
 template <class T, class Use> bool with_product(T c, int s, Use use) {
     if constexpr (std::is_same_v<T, Zet8u>) return with_first_of<T, ScaledProductWithConstant8u, ScaledProductWithFraction8u>(c, s, use);
-    else if constexpr (std::is_same_v<T, Zet16s>) return with_first_of<T, ScaledProductWithFraction16<T>, ScaledProductWithConstant16s>(c, s, use);
+    else if constexpr (std::is_same_v<T, Zet16s>)
+        return with_first_of<T, ScaledProductWithFraction16<T>, ScaledProductWithConstant16s>(c, s, use);
     else return with_first_of<T, ScaledProductWithFraction16<T>>(c, s, use);
 }
 
@@ -70,7 +71,8 @@ void arithmetic(const Operand& a, Src<T> b, Dst<T> dst, ZetiSize roi, int s, int
     const Extent e = real_samples<T, L>(roi);
     const bool fork = forks_at<Op, T, L, F>(path, e);
     const Path kernelPath = computed == s ? path : path_of(scale_range<Op, T>, computed);
-    with_kernel<Op, T>(kernelPath, computed, uniform, [&](auto kernel) { run_rows<Writes<T, L>>(a, as<R>(b), as<R>(dst), e, fork, kernel); });
+    with_kernel<Op, T>(kernelPath, computed, uniform,
+                       [&](auto kernel) { run_rows<Writes<T, L>>(a, as<R>(b), as<R>(dst), e, fork, kernel); });
 }
 
 // 32sc products have no register form.
@@ -80,7 +82,7 @@ template <class L, class Rows> void multiply_32sc(Rows a, Src<Zet32sc> b, Dst<Ze
     each_row(samples(roi, 1), [&](ptrdiff_t y) { pixel_row<L>(a(y), b.row(y), dst.row(y), roi.width, kernel); });
 }
 
-template <class Op, class T> inline constexpr bool by_pixel = std::is_same_v<Op, Mul> && std::is_same_v<T, Zet32sc>;
+template <class Op, class T> inline constexpr bool by_pixel = std::is_same_v<T, Zet32sc> && (std::is_same_v<Op, Mul>);
 
 template <class Op, class T, class L, Form F> void two_images(Src<T> a, Src<T> b, Dst<T> dst, ZetiSize roi, int s) {
     if constexpr (by_pixel<Op, T>) multiply_32sc<L>([=](ptrdiff_t y) { return SampleRow<T>{a.row(y)}; }, b, dst, roi, s);
@@ -105,7 +107,8 @@ ZetStatus binary(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* 
 template <class Op, class T, class L>
 ZetStatus binary_I(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor = 0) {
     using namespace detail;
-    if (ZetStatus bad = first(check_width_first<T, L>(roiSize), null(pSrc, pSrcDst), size(roiSize), check_complex_step<T>(srcStep, srcDstStep)))
+    if (ZetStatus bad =
+            first(check_width_first<T, L>(roiSize), null(pSrc, pSrcDst), size(roiSize), check_complex_step<T>(srcStep, srcDstStep)))
         return bad;
     two_images<Op, T, L, Form::images_I>({pSrc, srcStep}, {pSrcDst, srcDstStep}, {pSrcDst, srcDstStep}, roiSize, scaleFactor);
     return zetStsNoErr;

@@ -8,7 +8,8 @@
 namespace zeti {
 
 template <class T, class L>
-ZetStatus comp_color_key(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize, const T* colorKey) {
+ZetStatus comp_color_key(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize,
+                         const T* colorKey) {
     if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst, colorKey), size(roiSize), step(src1Step, src2Step, dstStep))) return bad;
     const Src<T> src1{pSrc1, src1Step}, src2{pSrc2, src2Step};
     const Dst<T> dst{pDst, dstStep};
@@ -34,7 +35,8 @@ template <class T, class L>
 ZetStatus alpha_comp_color_key(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize,
                                const T* colorKey, ZetAlphaType alphaType) {
     using namespace detail;
-    if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst, colorKey), size(roiSize), step(src1Step, src2Step, dstStep), alpha_type(alphaType, zetAlphaPlus)))
+    if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst, colorKey), size(roiSize), step(src1Step, src2Step, dstStep),
+                              alpha_type(alphaType, zetAlphaPlus)))
         return bad;
     const Vec<Zet32u> key = splat(Zet32u{colorKey[0]} | Zet32u{colorKey[1]} << 8 | Zet32u{colorKey[2]} << 16);
     with_operator(alphaType, [&](auto op, auto) {

@@ -21,17 +21,21 @@ template <class Cmp, class L, class T, class A, class B> struct ComparedOperand 
     bool contiguous(ptrdiff_t pixels) const { return contiguous(a, pixels) && contiguous(b, pixels); }
 
 private:
-    template <class O> static bool contiguous(const O& o, ptrdiff_t pixels) { return o.contiguous(pixels * L::channels * ptrdiff_t{sizeof(T)}); }
+    template <class O> static bool contiguous(const O& o, ptrdiff_t pixels) {
+        return o.contiguous(pixels * L::channels * ptrdiff_t{sizeof(T)});
+    }
 };
 
-template <class L, class T, class Cmp, class A, class B> void compare_rows(const Cmp& cmp, const A& a, const B& b, Dst<Zet8u> dst, ZetiSize roi) {
+template <class L, class T, class Cmp, class A, class B>
+void compare_rows(const Cmp& cmp, const A& a, const B& b, Dst<Zet8u> dst, ZetiSize roi) {
     const RowScope<std::is_floating_point_v<T>> held(false);
     TakeFirst take;
     run_rows<WriteAll<Zet8u>>(ComparedOperand<Cmp, L, T, A, B>{cmp, a, b}, Src<Zet8u>(dst), dst, samples(roi, 1), serial, take);
 }
 
 // An unknown operator leaves the destination as it was, and nobody is told.
-template <class L, class T, class A, class B> ZetStatus compare_operands(const A& a, const B& b, Dst<Zet8u> dst, ZetiSize roi, ZetCmpOp op) {
+template <class L, class T, class A, class B>
+ZetStatus compare_operands(const A& a, const B& b, Dst<Zet8u> dst, ZetiSize roi, ZetCmpOp op) {
     switch (op) {
     case zetCmpLess: compare_rows<L, T>(CmpLT(), a, b, dst, roi); break;
     case zetCmpLessEq: compare_rows<L, T>(CmpLE(), a, b, dst, roi); break;
@@ -47,7 +51,8 @@ template <class L, class T, class A, class B> ZetStatus compare_operands(const A
 template <class T, class L>
 ZetStatus compare(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, Zet8u* pDst, int dstStep, ZetiSize roiSize, ZetCmpOp cmpOp) {
     if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize))) return bad;
-    return detail::compare_operands<L, T>(ImageOperand<T>{{pSrc1, src1Step}}, ImageOperand<T>{{pSrc2, src2Step}}, {pDst, dstStep}, roiSize, cmpOp);
+    return detail::compare_operands<L, T>(ImageOperand<T>{{pSrc1, src1Step}}, ImageOperand<T>{{pSrc2, src2Step}}, {pDst, dstStep}, roiSize,
+                                          cmpOp);
 }
 
 // `value` is one constant on C1, else a pointer to one per colour channel.
@@ -61,15 +66,19 @@ ZetStatus compare_constant(const T* pSrc, int srcStep, V value, Zet8u* pDst, int
 // The tolerance is tested last.
 template <class T, class L>
 ZetStatus compare_eps(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, Zet8u* pDst, int dstStep, ZetiSize roiSize, T eps) {
-    if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize), fails(less(eps, T{0}), zetStsEpsValErr))) return bad;
-    detail::compare_rows<L, T>(CmpEqualEps(eps), ImageOperand<T>{{pSrc1, src1Step}}, ImageOperand<T>{{pSrc2, src2Step}}, {pDst, dstStep}, roiSize);
+    if (ZetStatus bad =
+            first(null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize), fails(less(eps, T{0}), zetStsEpsValErr)))
+        return bad;
+    detail::compare_rows<L, T>(CmpEqualEps(eps), ImageOperand<T>{{pSrc1, src1Step}}, ImageOperand<T>{{pSrc2, src2Step}}, {pDst, dstStep},
+                               roiSize);
     return zetStsNoErr;
 }
 
 template <class T, class L, class V>
 ZetStatus compare_eps_constant(const T* pSrc, int srcStep, V value, Zet8u* pDst, int dstStep, ZetiSize roiSize, T eps) {
     const T* const values = constants(value);
-    if (ZetStatus bad = first(null(pSrc, values, pDst), step(srcStep, dstStep), size(roiSize), fails(less(eps, T{0}), zetStsEpsValErr))) return bad;
+    if (ZetStatus bad = first(null(pSrc, values, pDst), step(srcStep, dstStep), size(roiSize), fails(less(eps, T{0}), zetStsEpsValErr)))
+        return bad;
     detail::compare_rows<L, T>(CmpEqualEps(eps), ImageOperand<T>{{pSrc, srcStep}}, ConstantOperand<T, L>(values), {pDst, dstStep}, roiSize);
     return zetStsNoErr;
 }

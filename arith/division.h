@@ -117,7 +117,8 @@ ZetStatus divide(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* 
     return divide_images<T, L, Form::images>({pSrc1, src1Step}, {pSrc2, src2Step}, {pDst, dstStep}, roiSize, scaleFactor);
 }
 
-template <class T, class L> ZetStatus divide_I(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor = 0) {
+template <class T, class L>
+ZetStatus divide_I(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, ZetiSize roiSize, int scaleFactor = 0) {
     using namespace detail;
     if (ZetStatus bad = first(check_width_first<T, L>(roiSize), null(pSrc, pSrcDst), size(roiSize), step(srcStep, srcDstStep))) return bad;
     return divide_images<T, L, Form::images_I>({pSrc, srcStep}, {pSrcDst, srcDstStep}, {pSrcDst, srcDstStep}, roiSize, scaleFactor);
@@ -142,7 +143,8 @@ template <class T, class L> ZetStatus divide_constant_I(const T* value, T* pSrcD
 // C1: the constant by value.
 template <class T, class L>
 ZetStatus divide_constant(const T* pSrc, int srcStep, T value, T* pDst, int dstStep, ZetiSize roiSize, int scaleFactor = 0) {
-    if (pSrc && detail::clears_at_once<T, L>(value, scaleFactor)) return set<Zet16s, C1>(Zet16s{0}, reinterpret_cast<Zet16s*>(pDst), dstStep, roiSize);
+    if (pSrc && detail::clears_at_once<T, L>(value, scaleFactor))
+        return set<Zet16s, C1>(Zet16s{0}, reinterpret_cast<Zet16s*>(pDst), dstStep, roiSize);
     return divide_constant<T, L>(pSrc, srcStep, &value, pDst, dstStep, roiSize, scaleFactor);
 }
 

@@ -13,7 +13,8 @@ ZetStatus logic(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* p
     const ZetStatus sized = delegates<T, L> ? size(roiSize) : zetStsNoErr;
     if (ZetStatus bad = first(sized, null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize))) return bad;
     Op kernel;
-    run_rows<Writes<T, L>>(ImageOperand<T>{{pSrc1, src1Step}}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize), serial, kernel);
+    run_rows<Writes<T, L>>(ImageOperand<T>{{pSrc1, src1Step}}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize),
+                           serial, kernel);
     return zetStsNoErr;
 }
 
@@ -27,7 +28,8 @@ ZetStatus logic_constant(const T* pSrc, int srcStep, V value, T* pDst, int dstSt
     const T* const values = constants(value);
     if (ZetStatus bad = first(null(pSrc, values, pDst), step(srcStep, dstStep), size(roiSize))) return bad;
     Op kernel;
-    run_rows<Writes<T, L>>(ConstantOperand<T, L>(values), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize), serial, kernel);
+    run_rows<Writes<T, L>>(ConstantOperand<T, L>(values), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize), serial,
+                           kernel);
     return zetStsNoErr;
 }
 

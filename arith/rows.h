@@ -13,10 +13,9 @@ namespace zeti {
 template <class T, class L> inline constexpr bool delegates = !is_complex<T> && (std::is_same_v<L, C3> || std::is_same_v<L, C4>);
 
 template <class T> inline constexpr int parts = is_complex<T> ? 2 : 1; // real samples in a sample
-template <class T, class L> inline constexpr int pixel_samples = L::channels * parts<T>;
+template <class T, class L> inline constexpr int pixel_samples = parts<T>* int{L::channels};
 
-template <class T, class L>
-using Writes = std::conditional_t<L::keeps_alpha, KeepAlpha<Real<T>, 4 * parts<T>>, WriteAll<Real<T>>>;
+template <class T, class L> using Writes = std::conditional_t<L::keeps_alpha, KeepAlpha<Real<T>, 4 * parts<T>>, WriteAll<Real<T>>>;
 
 template <class T, class L> Extent real_samples(ZetiSize roi) { return samples(roi, pixel_samples<T, L>); }
 

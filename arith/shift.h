@@ -39,7 +39,9 @@ template <class Direction, class T, class L> void shift_by_one_count(Zet32u n, S
 template <class Direction, class T, class L> void shift_by_channel(const Zet32u* counts, Src<T> src, Dst<T> dst, ZetiSize roi) {
     using U = Unsigned<T>;
     typename Direction::template KernelV<T> kernel;
-    const auto run = [&](const auto& operand) { run_rows<Writes<U, L>>(operand, as<U>(src), as<U>(dst), real_samples<T, L>(roi), serial, kernel); };
+    const auto run = [&](const auto& operand) {
+        run_rows<Writes<U, L>>(operand, as<U>(src), as<U>(dst), real_samples<T, L>(roi), serial, kernel);
+    };
     U factors[4], unshifted[4], excess[4];
     for (int c = 0; c < L::colours; ++c) {
         const Zet32u n = Direction::template fills_with_sign<T> ? std::min<Zet32u>(counts[c], bits_of<T> - 1) : counts[c];
@@ -61,8 +63,7 @@ ZetStatus shift(const T* pSrc, int srcStep, V value, T* pDst, int dstStep, ZetiS
     const Dst<T> dst{pDst, dstStep};
     if (std::all_of(counts, counts + L::colours, [=](Zet32u n) { return n == *counts; }))
         detail::shift_by_one_count<Direction, T, L>(*counts, src, dst, roiSize);
-    else
-        detail::shift_by_channel<Direction, T, L>(counts, src, dst, roiSize);
+    else detail::shift_by_channel<Direction, T, L>(counts, src, dst, roiSize);
     return zetStsNoErr;
 }
 

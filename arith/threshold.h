@@ -33,7 +33,9 @@ constexpr bool is_side(ZetCmpOp op) { return op == zetCmpLess || op == zetCmpGre
 template <class T, class L, class V>
 ZetStatus threshold_by(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize, V bound, ZetCmpOp cmpOp) {
     using namespace detail;
-    if (ZetStatus bad = first(check_threshold(pSrc, srcStep, pDst, dstStep, roiSize, bound), fails(!is_side(cmpOp), zetStsNotSupportedModeErr))) return bad;
+    if (ZetStatus bad =
+            first(check_threshold(pSrc, srcStep, pDst, dstStep, roiSize, bound), fails(!is_side(cmpOp), zetStsNotSupportedModeErr)))
+        return bad;
     if (cmpOp == zetCmpLess) run_threshold<T, L>(Threshold<Below, T>(), pSrc, srcStep, pDst, dstStep, roiSize, bound);
     else run_threshold<T, L>(Threshold<Above, T>(), pSrc, srcStep, pDst, dstStep, roiSize, bound);
     return zetStsNoErr;
@@ -48,7 +50,9 @@ ZetStatus threshold_side(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiS
 template <class T, class L, class V>
 ZetStatus threshold_value(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize, V bound, V value, ZetCmpOp cmpOp) {
     using namespace detail;
-    if (ZetStatus bad = first(fails(!is_side(cmpOp), zetStsNotSupportedModeErr), check_threshold(pSrc, srcStep, pDst, dstStep, roiSize, bound, value))) return bad;
+    if (ZetStatus bad =
+            first(fails(!is_side(cmpOp), zetStsNotSupportedModeErr), check_threshold(pSrc, srcStep, pDst, dstStep, roiSize, bound, value)))
+        return bad;
     if (cmpOp == zetCmpLess) run_threshold<T, L>(ThresholdVal<Below, T>(), pSrc, srcStep, pDst, dstStep, roiSize, bound, value);
     else run_threshold<T, L>(ThresholdVal<Above, T>(), pSrc, srcStep, pDst, dstStep, roiSize, bound, value);
     return zetStsNoErr;
@@ -75,7 +79,8 @@ ZetStatus threshold_two_values(const T* pSrc, int srcStep, T* pDst, int dstStep,
 template <class T, class L, class... V> ZetStatus threshold_by_I(T* pSrcDst, int srcDstStep, ZetiSize roiSize, V... parameters) {
     return threshold_by<T, L>(pSrcDst, srcDstStep, pSrcDst, srcDstStep, roiSize, parameters...);
 }
-template <ZetCmpOp Op, class T, class L, class... V> ZetStatus threshold_side_I(T* pSrcDst, int srcDstStep, ZetiSize roiSize, V... parameters) {
+template <ZetCmpOp Op, class T, class L, class... V>
+ZetStatus threshold_side_I(T* pSrcDst, int srcDstStep, ZetiSize roiSize, V... parameters) {
     return threshold_side<Op, T, L>(pSrcDst, srcDstStep, pSrcDst, srcDstStep, roiSize, parameters...);
 }
 template <class T, class L, class... V> ZetStatus threshold_value_I(T* pSrcDst, int srcDstStep, ZetiSize roiSize, V... parameters) {

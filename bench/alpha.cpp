@@ -44,15 +44,21 @@ const bool listed = [] {
     for (const Alpha alpha : {Alpha::mixed, Alpha::opaque, Alpha::matte}) {
         onto("AlphaComp_8u_AC4R/OverPremul/ours", alpha, [](const Zet8u* a, int aStep, Zet8u* d, int dStep, ZetiSize roi) {
             const auto f = reinterpret_cast<decltype(&zetiAlphaComp_8u_AC4R)>(member("zetiAlphaComp_8u_AC4R"));
-            return [=](int calls) { while (calls-- > 0) f(a, aStep, d, dStep, d, dStep, roi, zetAlphaOverPremul); };
+            return [=](int calls) {
+                while (calls-- > 0) f(a, aStep, d, dStep, d, dStep, roi, zetAlphaOverPremul);
+            };
         });
         onto("AlphaPremul_8u_AC4R/ours", alpha, [](const Zet8u* a, int aStep, Zet8u* d, int dStep, ZetiSize roi) {
             const auto f = reinterpret_cast<decltype(&zetiAlphaPremul_8u_AC4R)>(member("zetiAlphaPremul_8u_AC4R"));
-            return [=](int calls) { while (calls-- > 0) f(a, aStep, d, dStep, roi); };
+            return [=](int calls) {
+                while (calls-- > 0) f(a, aStep, d, dStep, roi);
+            };
         });
         onto("MulScale_8u_C4R/ours", alpha, [](const Zet8u* a, int aStep, Zet8u* d, int dStep, ZetiSize roi) {
             const auto f = reinterpret_cast<decltype(&zetiMulScale_8u_C4R)>(member("zetiMulScale_8u_C4R"));
-            return [=](int calls) { while (calls-- > 0) f(a, aStep, a, aStep, d, dStep, roi); };
+            return [=](int calls) {
+                while (calls-- > 0) f(a, aStep, a, aStep, d, dStep, roi);
+            };
         });
 #ifdef ZETI_BENCH_PIXMAN
         enum class By { nothing, alpha, component };
@@ -60,13 +66,15 @@ const bool listed = [] {
             onto(name, alpha, [=](const Zet8u* a, int aStep, Zet8u* d, int dStep, ZetiSize roi) {
                 const auto image = [&](pixman_format_code_t f, const Zet8u* p, int step) {
                     auto* const bits = reinterpret_cast<uint32_t*>(const_cast<Zet8u*>(p));
-                    return std::shared_ptr<pixman_image_t>(pixman_image_create_bits(f, roi.width, roi.height, bits, step), pixman_image_unref);
+                    return std::shared_ptr<pixman_image_t>(pixman_image_create_bits(f, roi.width, roi.height, bits, step),
+                                                           pixman_image_unref);
                 };
                 const auto source = image(format, a, aStep), mask = image(PIXMAN_a8r8g8b8, a, aStep), to = image(PIXMAN_a8r8g8b8, d, dStep);
                 pixman_image_set_component_alpha(mask.get(), masked == By::component);
                 return [=](int calls) {
                     while (calls-- > 0)
-                        pixman_image_composite32(op, source.get(), masked == By::nothing ? nullptr : mask.get(), to.get(), 0, 0, 0, 0, 0, 0, roi.width, roi.height);
+                        pixman_image_composite32(op, source.get(), masked == By::nothing ? nullptr : mask.get(), to.get(), 0, 0, 0, 0, 0, 0,
+                                                 roi.width, roi.height);
                 };
             });
         };
@@ -78,7 +86,10 @@ const bool listed = [] {
     const auto each_type = [](auto use) { use(Zet8u{}, std::string("8u")), use(Zet16u{}, std::string("16u")); };
     each_type([]<class T>(T, const std::string& type) {
         const T half = static_cast<T>(1u << (8 * sizeof(T) - 1));
-        const struct { ZetAlphaType type; const char* name; } operators[] = {{zetAlphaOver, "Over"}, {zetAlphaIn, "In"}, {zetAlphaXor, "Xor"}, {zetAlphaPlusPremul, "PlusPremul"}};
+        const struct {
+            ZetAlphaType type;
+            const char* name;
+        } operators[] = {{zetAlphaOver, "Over"}, {zetAlphaIn, "In"}, {zetAlphaXor, "Xor"}, {zetAlphaPlusPremul, "PlusPremul"}};
         for (const auto& o : operators) {
             row("AlphaComp_" + type + "_AC4R", o.name, source<T>(4), source<T>(4), destination<T>(4), size, o.type);
             row("AlphaComp_" + type + "_AP4R", o.name, Planes<const T, 4>{}, Planes<const T, 4>{}, Planes<T, 4>{}, size, o.type);
@@ -93,7 +104,8 @@ const bool listed = [] {
         row("CompColorKey_" + type + "_C4R", "", source<T>(4), source<T>(4), destination<T>(4), size, Constants<T>{{7, 7, 7, 7}});
     });
     row("AlphaComp_32f_AC4R", "Over", source<Zet32f>(4), source<Zet32f>(4), destination<Zet32f>(4), size, zetAlphaOver);
-    row("AlphaCompColorKey_8u_AC4R", "Over", source<Zet8u>(4), source<Zet8u>(4), destination<Zet8u>(4), size, Constants<Zet8u>{{7, 7, 7, 7}}, zetAlphaOver);
+    row("AlphaCompColorKey_8u_AC4R", "Over", source<Zet8u>(4), source<Zet8u>(4), destination<Zet8u>(4), size,
+        Constants<Zet8u>{{7, 7, 7, 7}}, zetAlphaOver);
     return true;
 }();
 

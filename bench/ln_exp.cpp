@@ -24,8 +24,7 @@ void beside_c_library(const std::string& name, float (*f)(float)) {
     on_floats(name + "/ours", reinterpret_cast<decltype(&zetiLn_32f_C1R)>(member("zeti" + name)));
     on_floats(name + "/by the C library", [f](const Zet32f* src, int srcStep, Zet32f* dst, int dstStep, ZetiSize roi) {
         for (int y = 0; y < roi.height; ++y)
-            for (int x = 0; x < roi.width; ++x)
-                dst[y * (dstStep / int{sizeof *dst}) + x] = f(src[y * (srcStep / int{sizeof *src}) + x]);
+            for (int x = 0; x < roi.width; ++x) dst[y * (dstStep / int{sizeof *dst}) + x] = f(src[y * (srcStep / int{sizeof *src}) + x]);
     });
 }
 

@@ -46,7 +46,8 @@ template <class T> void threshold(const std::string& type) {
 template <class T> void compare(const std::string& type) {
     for (const int channels : {1, 3, 4})
         for (const Operator op : {Operator::zetCmpLess, Operator::zetCmpLessEq}) {
-            const std::string name = "_" + type + (channels == 4 ? "_A" : "_") + "C" + std::to_string(channels) + "R", detail = op == Operator::zetCmpLess ? "less" : "less or equal";
+            const std::string name = "_" + type + (channels == 4 ? "_A" : "_") + "C" + std::to_string(channels) + "R",
+                              detail = op == Operator::zetCmpLess ? "less" : "less or equal";
             row("Compare" + name, detail, source<T>(channels), source<T>(channels), destination<Zet8u>(1), size, op);
             if (channels == 1) row("CompareC" + name, detail, source<T>(1), T{30}, destination<Zet8u>(1), size, op);
             else row("CompareC" + name, detail, source<T>(channels), alike<T>, destination<Zet8u>(1), size, op);
@@ -58,7 +59,8 @@ const bool listed = [] {
     row("Not_8u_C1R", "", source<Zet8u>(1), destination<Zet8u>(1), size);
     row("Complement_32s_C1IR", "", both<Zet32s>(1), size);
     shift<Zet8u>("LShiftC", "8u"), shift<Zet16u>("LShiftC", "16u"), shift<Zet32s>("LShiftC", "32s");
-    shift<Zet8u>("RShiftC", "8u"), shift<Zet8s>("RShiftC", "8s"), shift<Zet16u>("RShiftC", "16u"), shift<Zet16s>("RShiftC", "16s"), shift<Zet32s>("RShiftC", "32s");
+    shift<Zet8u>("RShiftC", "8u"), shift<Zet8s>("RShiftC", "8s"), shift<Zet16u>("RShiftC", "16u"), shift<Zet16s>("RShiftC", "16s"),
+        shift<Zet32s>("RShiftC", "32s");
     threshold<Zet8u>("8u"), threshold<Zet16u>("16u"), threshold<Zet16s>("16s"), threshold<Zet32f>("32f");
     compare<Zet8u>("8u"), compare<Zet16u>("16u"), compare<Zet16s>("16s"), compare<Zet32f>("32f");
     row("CompareEqualEps_32f_C1R", "", source<Zet32f>(1), source<Zet32f>(1), destination<Zet8u>(1), size, 0.5f);

@@ -26,7 +26,7 @@ constexpr ZetiSize sizes[] = {{8, 8}, {256, 256}, {1920, 1080}, {4096, 4096}};
 constexpr double batch_seconds = 0.2e-3;
 constexpr size_t fewest_turns = 5, most_turns = 100;
 constexpr double turns_seconds = 0.05; // ends the turns between these two numbers
-constexpr double undisturbed = 0.1; // this part of the turns
+constexpr double undisturbed = 0.1;    // this part of the turns
 
 int threads = 1;
 

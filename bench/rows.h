@@ -120,9 +120,9 @@ template <class A> auto argument(A a) {
 
 struct Row {
     std::string name;
-    int stored = 0, touched = 0; // bytes per pixel
+    int stored = 0, touched = 0;                             // bytes per pixel
     std::function<std::function<void(int)>(Arena&)> prepare; // gives the function that makes so many calls
-    bool reads = true, writes = true; // images
+    bool reads = true, writes = true;                        // images
 };
 
 void add(Row row);

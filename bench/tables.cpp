@@ -28,7 +28,8 @@ template <class V> struct Tables {
 template <class T> void levels(const std::string& type, int count) {
     using V = std::conditional_t<std::is_same_v<T, Zet32f>, Zet32f, Zet32s>;
     auto* const t = new Tables<V>(count); // for the whole run
-    const auto const_levels = static_cast<const V* const*>(t->levels), const_values = static_cast<const V* const*>(t->values);
+    const V* const* const const_levels = t->levels;
+    const V* const* const const_values = t->values;
     const auto const_counts = static_cast<const int*>(t->counts);
     const std::string detail = "levels=" + std::to_string(count);
     row("HistogramRange_" + type + "_C1R", detail, source<T>(1), size, *t->bins, *const_levels, count);
@@ -61,7 +62,8 @@ const bool listed = [] {
     levels<Zet32f>("32f", 17);
     levels<Zet32f>("32f", 257);
     row("CountInRange_8u_C1R", "", source<Zet8u>(1), size, new Zet32s[3], Zet8u{10}, Zet8u{40});
-    row("CountInRange_8u_C3R", "", source<Zet8u>(3), size, new Zet32s[3], static_cast<const Zet8u*>(new Zet8u[3]{1, 2, 3}), static_cast<const Zet8u*>(new Zet8u[3]{9, 9, 99}));
+    row("CountInRange_8u_C3R", "", source<Zet8u>(3), size, new Zet32s[3], static_cast<const Zet8u*>(new Zet8u[3]{1, 2, 3}),
+        static_cast<const Zet8u*>(new Zet8u[3]{9, 9, 99}));
     row("CountInRange_32f_C1R", "", source<Zet32f>(1), size, new Zet32s[3], 0.5f, 1.5f);
     palette<Zet8u, Zet8u>("8u", 8);
     palette<Zet16u, Zet16u>("16u", 12);

@@ -42,7 +42,8 @@ template <class Run, class Scope> void static_runs(ptrdiff_t height, Run run, Sc
 // The same, row by row.
 template <class Row, class Scope> void static_rows(ptrdiff_t height, Row row, Scope scope) {
     static_runs(
-        height, [&](ptrdiff_t first, ptrdiff_t count) {
+        height,
+        [&](ptrdiff_t first, ptrdiff_t count) {
             for (ptrdiff_t y = first; y < first + count; ++y) row(y);
         },
         scope);

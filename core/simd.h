@@ -136,7 +136,8 @@ template <class T> Vec<T> min(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_min_epu8(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_min_epi16(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<T>>(_mm_min_ps(raw_float(a), raw_float(b)));
-    else if constexpr (std::is_same_v<T, Zet64f>) return reinterpret_cast<Vec<T>>(_mm_min_pd(reinterpret_cast<__m128d>(a), reinterpret_cast<__m128d>(b)));
+    else if constexpr (std::is_same_v<T, Zet64f>)
+        return reinterpret_cast<Vec<T>>(_mm_min_pd(reinterpret_cast<__m128d>(a), reinterpret_cast<__m128d>(b)));
     else if constexpr (std::is_same_v<T, Zet16u>) return a - as_lanes<T>(_mm_subs_epu16(raw(a), raw(b)));
     else return select<T>(a < b, a, b);
 }
@@ -145,7 +146,8 @@ template <class T> Vec<T> max(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Zet8u>) return as_lanes<T>(_mm_max_epu8(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet16s>) return as_lanes<T>(_mm_max_epi16(raw(a), raw(b)));
     else if constexpr (std::is_same_v<T, Zet32f>) return reinterpret_cast<Vec<T>>(_mm_max_ps(raw_float(a), raw_float(b)));
-    else if constexpr (std::is_same_v<T, Zet64f>) return reinterpret_cast<Vec<T>>(_mm_max_pd(reinterpret_cast<__m128d>(a), reinterpret_cast<__m128d>(b)));
+    else if constexpr (std::is_same_v<T, Zet64f>)
+        return reinterpret_cast<Vec<T>>(_mm_max_pd(reinterpret_cast<__m128d>(a), reinterpret_cast<__m128d>(b)));
     else if constexpr (std::is_same_v<T, Zet16u>) return b + as_lanes<T>(_mm_subs_epu16(raw(a), raw(b)));
     else return select<T>(a > b, a, b);
 }
@@ -207,14 +209,13 @@ template <> struct WiderOf<Zet32u> { using type = uint64_t; };
 template <class T> using Wider = typename WiderOf<T>::type;
 
 // One register's worth of samples in lanes twice as wide.
-template <class W> struct Pair2 {
-    Vec<W> low, high;
-};
+template <class W> struct Pair2 { Vec<W> low, high; };
 
 template <class T> Pair2<Wider<T>> interleave(Vec<T> a, Vec<T> b) {
     using W = Wider<T>;
     if constexpr (sizeof(T) == 1) return {as_lanes<W>(_mm_unpacklo_epi8(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi8(raw(a), raw(b)))};
-    else if constexpr (sizeof(T) == 2) return {as_lanes<W>(_mm_unpacklo_epi16(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi16(raw(a), raw(b)))};
+    else if constexpr (sizeof(T) == 2)
+        return {as_lanes<W>(_mm_unpacklo_epi16(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi16(raw(a), raw(b)))};
     else return {as_lanes<W>(_mm_unpacklo_epi32(raw(a), raw(b))), as_lanes<W>(_mm_unpackhi_epi32(raw(a), raw(b)))};
 }
 
@@ -235,7 +236,7 @@ inline Vec<Zet8u> narrow_16u_to_8u(Vec<Zet16u> low, Vec<Zet16u> high) {
 
 // Signed 32-bit lanes to 16u, saturating; lanes must be at least -2^31 + 32768.
 inline Vec<Zet16u> narrow_to_16u(Vec<Zet32s> low, Vec<Zet32s> high) {
-    return as_lanes<Zet16u>(narrow_to_16s(low - 32768, high - 32768)) ^ Zet16u{0x8000};
+    return as_lanes<Zet16u>(narrow_to_16s(low - 32768, high - 32768)) ^ static_cast<Zet16u>(0x8000);
 }
 
 // Units of so many bytes of two registers by turns: of their low halves, of their high halves.

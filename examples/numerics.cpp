@@ -60,7 +60,8 @@ void shifts_and_comparisons() {
         call(&src, int{sizeof src}, n, &dst, int{sizeof dst}, ZetiSize{1, 1});
         return dst;
     };
-    claim(shift(zetiRShiftC_8s_C1R, Zet8s(-1), 9) == -1 && shift(zetiRShiftC_8s_C1R, Zet8s(5), 9) == 0, "RShiftC 8s by 9: -1 -> -1, 5 -> 0");
+    claim(shift(zetiRShiftC_8s_C1R, Zet8s(-1), 9) == -1 && shift(zetiRShiftC_8s_C1R, Zet8s(5), 9) == 0,
+          "RShiftC 8s by 9: -1 -> -1, 5 -> 0");
     claim(shift(zetiLShiftC_8u_C1R, Zet8u(255), 8) == 0 && shift(zetiRShiftC_32s_C1R, Zet32s(-7), 0xFFFFFFFFu) == -1,
           "LShiftC 8u by 8: 0; RShiftC 32s by 2^32 - 1: the sign");
     const auto equal = [](Zet32f a, Zet32f b, Zet32f eps) {
@@ -69,7 +70,8 @@ void shifts_and_comparisons() {
         return mask;
     };
     constexpr Zet32f nan = std::numeric_limits<Zet32f>::quiet_NaN();
-    claim(equal(1, 1, 0) == 255 && equal(1, 1, -0.0f) == 255 && equal(nan, nan, inf) == 0 && equal(inf, inf, inf) == 0 && equal(1, 1, nan) == 0,
+    claim(equal(1, 1, 0) == 255 && equal(1, 1, -0.0f) == 255 && equal(nan, nan, inf) == 0 && equal(inf, inf, inf) == 0 &&
+              equal(1, 1, nan) == 0,
           "CompareEqualEps: 1 and 1 within 0 and -0; neither two NaN nor two infinities within anything, nothing within NaN");
     Zet32f zero = -0.0f;
     zetiThreshold_32f_C1IR(&zero, 4, ZetiSize{1, 1}, 0.0f, zetCmpLess);
@@ -99,14 +101,16 @@ void sums_and_norms() {
     std::vector<Zet32f> row(1000, 0.1F);
     const Zet64f exact = 1000 * Zet64f{0.1F};
     Zet64f fast = 0, accurate = 0;
-    zetiSum_32f_C1R(row.data(), 0, {1000, 1000}, &fast, zetAlgHintFast), zetiSum_32f_C1R(row.data(), 0, {1000, 1000}, &accurate, zetAlgHintAccurate);
+    zetiSum_32f_C1R(row.data(), 0, {1000, 1000}, &fast, zetAlgHintFast),
+        zetiSum_32f_C1R(row.data(), 0, {1000, 1000}, &accurate, zetAlgHintAccurate);
     claim(std::fabs(fast / 1000 - exact) <= 258 * 0x1p-24 * exact && std::fabs(accurate / 1000 - exact) <= 1e6 * 0x1p-53 * exact,
           "Sum 32f of 1000 rows of 1000: within 258 * 2^-24, and with the hint within 10^6 * 2^-53");
 
     const Zet32f samples[4] = {std::numeric_limits<Zet32f>::quiet_NaN(), 2, -inf, 1}, nothing = -inf;
     Zet32f greatest = 0, least = 0, none = 0;
     zetiMinMax_32f_C1R(samples, 16, {4, 1}, &least, &greatest), zetiMax_32f_C1R(&nothing, 4, {1, 1}, &none);
-    claim(greatest == 2 && least == -inf && none == -largest, "MinMax 32f passes over NaN; Max of minus infinity is the lowest finite number");
+    claim(greatest == 2 && least == -inf && none == -largest,
+          "MinMax 32f passes over NaN; Max of minus infinity is the lowest finite number");
 
     const Zet32f tiny[2] = {1e-30F, 0};
     Zet64f quotient = 7;
@@ -192,10 +196,13 @@ void conversions() {
         zetiConvert_32f8u_C1RSfs(&v, 4, &dst, 1, {1, 1}, ZetRoundMode(mode), s);
         return int{dst};
     };
-    claim(to8u(1.9F, zetRndZero) == 1 && to8u(0.5F, zetRndNear) == 0 && to8u(1.5F, zetRndNear) == 2 && to8u(2.5F, zetRndFinancial) == 3 && to8u(2.5F, 7) == 3,
+    claim(to8u(1.9F, zetRndZero) == 1 && to8u(0.5F, zetRndNear) == 0 && to8u(1.5F, zetRndNear) == 2 && to8u(2.5F, zetRndFinancial) == 3 &&
+              to8u(2.5F, 7) == 3,
           "Convert 32f8u: 1.9 -> 1 towards zero; 0.5 -> 0, 1.5 -> 2 to even; 2.5 -> 3 financial, and by mode 7");
-    claim(to8u(0x1.FFFFFEp-2F, zetRndFinancial) == 0 && to8u(0.5F, zetRndFinancial) == 1, "Convert 32f8u, financial: just below 0.5 -> 0, 0.5 -> 1");
-    claim(to8u(0x1p-149F, zetRndNear, -150) == 2 && to8u(0, zetRndNear, -400) == 0 && to8u(inf, zetRndNear, 400) == 255 && to8u(largest, zetRndNear, 400) == 0,
+    claim(to8u(0x1.FFFFFEp-2F, zetRndFinancial) == 0 && to8u(0.5F, zetRndFinancial) == 1,
+          "Convert 32f8u, financial: just below 0.5 -> 0, 0.5 -> 1");
+    claim(to8u(0x1p-149F, zetRndNear, -150) == 2 && to8u(0, zetRndNear, -400) == 0 && to8u(inf, zetRndNear, 400) == 255 &&
+              to8u(largest, zetRndNear, 400) == 0,
           "Convert 32f8u beyond the powers that are floats: 2^-149 * 2^150 = 2, 0 stays, infinity is 255");
     const auto of_nan = [](auto call, auto dst) {
         const Zet32f nan = NAN;
@@ -295,13 +302,15 @@ Zet8u line(int x0, int x1, int y0, int y1, int v) {
 
 void tables_and_moments() {
     claim(line(10, 20, 0, 5, 11) == 1 && line(0, 100, -1, -1, 50) == 0, "LUT_Linear 8u: 0.5 -> 1, -1 + 0.5 -> 0");
-    claim(line(-5, 1, 100, 0, 0) == 100 && line(300, 400, 5, 6, 255) == 5, "LUT_Linear 8u: the one sample of an interval has the value at its level, also beyond 255");
+    claim(line(-5, 1, 100, 0, 0) == 100 && line(300, 400, 5, 6, 255) == 5,
+          "LUT_Linear 8u: the one sample of an interval has the value at its level, also beyond 255");
 
     const Zet8u src[4] = {1, 0, 0, 2}; // the centre is at x = 2, the moment of second order 6
     ZetiMomentState_64s *state = nullptr;
     if (zetiMomentInitAlloc_64s(&state, zetAlgHintNone) != zetStsNoErr) return claim(false, "room for a record of moments");
     Zet64s about = 0, scaled = 0, normalized = 0, untouched = 77;
-    const bool done = zetiMoments64s_8u_C1R(src, 4, {4, 1}, state) == zetStsNoErr && zetiGetCentralMoment_64s(state, 0, 2, 0, &about, 0) == zetStsNoErr &&
+    const bool done = zetiMoments64s_8u_C1R(src, 4, {4, 1}, state) == zetStsNoErr &&
+                      zetiGetCentralMoment_64s(state, 0, 2, 0, &about, 0) == zetStsNoErr &&
                       zetiGetCentralMoment_64s(state, 0, 3, 0, &scaled, 1) == zetStsNoErr &&
                       zetiGetNormalizedCentralMoment_64s(state, 0, 2, 0, &normalized, -1) == zetStsNoErr &&
                       zetiGetCentralMoment_64s(state, 2, -1, 0, &untouched, 0) == zetStsNoErr;

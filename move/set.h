@@ -38,9 +38,8 @@ template <class T, class L> void set_masked(const T* value, Dst<T> dst, Src<Zet8
     constexpr int count = 16 * L::channels;
     T block[count]; // what a whole block of the mask writes
     for (int i = 0; i < count; ++i) block[i] = i % L::channels < L::colours ? value[i % L::channels] : T{};
-    each_row(samples(roiSize, 1), [&](ptrdiff_t y) {
-        masked_row<T, L>([&](ptrdiff_t) { return block; }, dst.row(y), mask.row(y), roiSize.width);
-    });
+    each_row(samples(roiSize, 1),
+             [&](ptrdiff_t y) { masked_row<T, L>([&](ptrdiff_t) { return block; }, dst.row(y), mask.row(y), roiSize.width); });
 }
 
 } // namespace detail

@@ -78,9 +78,7 @@ template <class T> [[gnu::always_inline]] inline Coverage<T> coverage_by(Vec<T> 
 // Where an image shows: within the other one's coverage, outside of it, in both, in neither.
 enum class Shows { everywhere, inside, outside, nowhere };
 
-template <Shows A, Shows B> struct Operator {
-    static constexpr Shows a = A, b = B;
-};
+template <Shows A, Shows B> struct Operator { static constexpr Shows a = A, b = B; };
 using Over = Operator<Shows::everywhere, Shows::outside>;
 using In = Operator<Shows::inside, Shows::nowhere>;
 using Out = Operator<Shows::outside, Shows::nowhere>;

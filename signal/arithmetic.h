@@ -126,7 +126,8 @@ private:
 
 // 16u products at scales 17 to 32: the upper half of the product is rounded at s - 16, the lower half only breaks ties.
 struct ScaledDownMul16uHigh {
-    explicit ScaledDownMul16uHigh(int s) : t_(count_of(s - 16)), less_(count_of(s - 17)), bias_(splat(static_cast<Zet16u>((1 << (s - 17)) - 1))) {}
+    explicit ScaledDownMul16uHigh(int s)
+        : t_(count_of(s - 16)), less_(count_of(s - 17)), bias_(splat(static_cast<Zet16u>((1 << (s - 17)) - 1))) {}
     Vec<Zet16u> operator()(Vec<Zet16u> a, Vec<Zet16u> b) const {
         const Vec<Zet16u> high = multiply_high(a, b), odd = shift_right<Zet16u>(high, t_);
         const Vec<Zet16u> add = bias_ + ((odd | ~as_lanes<Zet16u>(a * b == 0)) & Zet16u{1});

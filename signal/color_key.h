@@ -21,7 +21,8 @@ template <class T, int Channels> struct ColorKey {
     static constexpr int pixel = Channels;
     Vec<T> key;
 
-    Vec<T> operator()(Vec<T> a, Vec<T> b) const { return select<T>(equal_pixels<pixel * int{sizeof(T)}>(raw(a), raw(key)), b, a); }
+    static constexpr int bytes = sizeof(T) * pixel;
+    Vec<T> operator()(Vec<T> a, Vec<T> b) const { return select<T>(equal_pixels<bytes>(raw(a), raw(key)), b, a); }
 };
 
 // Three samples to the pixel, in groups that hold whole pixels.

@@ -103,7 +103,9 @@ public:
 
 private:
     // Register k of the 16 pixels from pixel i on, of which n < 16 exist.
-    template <class O> static Vec<T> whole(const O& operand, ptrdiff_t i, int k) { return operand.whole(i * channels + k * lanes<T>, k % O::period); }
+    template <class O> static Vec<T> whole(const O& operand, ptrdiff_t i, int k) {
+        return operand.whole(i * channels + k * lanes<T>, k % O::period);
+    }
     template <class O> [[gnu::noinline]] static Vec<T> part(const O& operand, ptrdiff_t i, int k, int n) {
         const int left = n * channels - k * lanes<T>;
         if (left >= lanes<T>) return whole(operand, i, k);

@@ -154,7 +154,7 @@ private:
             return Rounding::to_integer(std::is_same_v<D, Zet16u> ? max<Zet32f>(below, Vec<Zet32f>{}) : below);
         } else if constexpr (std::is_signed_v<D>) {
             return Rounding::to_integer(v) ^ as_lanes<Zet32s>(v >= half); // -2^31 becomes 2^31 - 1
-        } else { // from 2^31 on floats are integers: 2^31 goes through bit 31
+        } else {                                                          // from 2^31 on floats are integers: 2^31 goes through bit 31
             const Vec<Zet32f> positive = max<Zet32f>(v, Vec<Zet32f>{});
             const auto large = as_lanes<Zet32s>(positive >= half), beyond = as_lanes<Zet32s>(positive >= full);
             const Vec<Zet32f> rest = positive - as_lanes<Zet32f>(large & as_lanes<Zet32s>(half));

@@ -30,7 +30,7 @@ inline Doubles sine(Doubles x, Doubles less) {
 inline Doubles logarithm(Doubles x) {
     constexpr double p[7] = {0x1.5555555555592p-1, 0x1.999999997fdb8p-2, 0x1.24924941f11c5p-2, 0x1.c71c5209655dbp-3,
                              0x1.74663ee68ba3ep-3, 0x1.39a1baeb9b84dp-3, 0x1.2f056159d8130p-3};
-    constexpr double ln2_high = 0x1.62e42feep-1, ln2_low = 0x1.a39ef35793c76p-33; // k times the first is exact
+    constexpr double ln2_high = 0x1.62e42feep-1, ln2_low = 0x1.a39ef35793c76p-33;          // k times the first is exact
     constexpr uint64_t root = 0x3FE6A09E667F3BCD, bias = 64, integer = 0x4330000000000000; // of 1/2; keeps k positive; 2^52
     const auto bits = as_lanes<uint64_t>(x), k = (bits - (root - (bias << 52))) >> 52;
     const Doubles m = as_lanes<Zet64f>(bits - ((k - bias) << 52)), kf = as_lanes<Zet64f>(k | integer) - (0x1p52 + bias);

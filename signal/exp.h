@@ -29,7 +29,7 @@ public:
         const Reduced e(*this, x);
         return as_lanes<Zet32f>(as_lanes<Zet32s>(e.mantissa) + (e.n << 23));
     }
-    Vec<Zet32f> operator()(Vec<Zet32f> x) const { // any number
+    Vec<Zet32f> operator()(Vec<Zet32f> x) const {                                          // any number
         const Reduced e(*this, min<Zet32f>(max<Zet32f>(x, splat(-104.0f)), splat(89.0f))); // where results have reached 0 and infinity
         // 2^n in two factors, so that a denormal result is rounded once, by the second.
         const I n = e.n << 23 >> 23, half = n >> 1;
@@ -58,8 +58,8 @@ private:
     // Constants come from memory in the row, where the compiler would build some of them anew for every register.
     I magnitude_ = splat(max_of<Zet32s>);
     Vec<Zet16s> below_87_ = as_lanes<Zet16s>(splat(Zet32s{0x42AD7FFF})); // tells by upper halves; no lower one is above it
-    F log2e_ = splat(0x1.715476p+0f), round_ = splat(0x1.8p+23f); // a number around that has its units in its lowest bit
-    F high_ = splat(0x1.62E4p-1f), low_ = splat(0x1.7F7D1Cp-20f); // ln 2; n * high is exact
+    F log2e_ = splat(0x1.715476p+0f), round_ = splat(0x1.8p+23f);        // a number around that has its units in its lowest bit
+    F high_ = splat(0x1.62E4p-1f), low_ = splat(0x1.7F7D1Cp-20f);        // ln 2; n * high is exact
     F n0_ = splat(120.0f), n2_ = splat(12.0f), q0_ = splat(60.0f);
 };
 

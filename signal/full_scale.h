@@ -74,7 +74,8 @@ template <class T> [[gnu::always_inline]] inline Vec<T> scaled_product(Vec<T> a,
         return detail::full_scale_product<8 * int{sizeof(T)}>(a, b);
     } else {
         using U = std::make_unsigned_t<T>;
-        const auto product = detail::full_scale_product<8 * int{sizeof(T)} - 1>(detail::magnitude<T>(a), factor<U>(detail::magnitude<T>(b)));
+        const auto product =
+            detail::full_scale_product<8 * int{sizeof(T)} - 1>(detail::magnitude<T>(a), factor<U>(detail::magnitude<T>(b)));
         const auto sign = as_lanes<U>((a ^ b) < 0);
         const Vec<T> too_large = as_lanes<T>(product) & as_lanes<T>(~sign); // as negative numbers
         return select<T>(too_large < 0, splat(max_of<T>), as_lanes<T>((product ^ sign) - sign));

@@ -20,12 +20,16 @@ template <class T> struct Group {
 // Every sample n places further down or up in the group, zeros behind them.
 template <int n, class T> Group<T> moved_down(const Group<T>& g) {
     constexpr int in = n * int{sizeof(T)}, out = register_bytes - in;
-    const auto joined = [](Vec<T> low, Vec<T> high) { return as_lanes<T>(_mm_or_si128(_mm_srli_si128(raw(low), in), _mm_slli_si128(raw(high), out))); };
+    const auto joined = [](Vec<T> low, Vec<T> high) {
+        return as_lanes<T>(_mm_or_si128(_mm_srli_si128(raw(low), in), _mm_slli_si128(raw(high), out)));
+    };
     return {{joined(g.v[0], g.v[1]), joined(g.v[1], g.v[2]), as_lanes<T>(_mm_srli_si128(raw(g.v[2]), in))}};
 }
 template <int n, class T> Group<T> moved_up(const Group<T>& g) {
     constexpr int in = n * int{sizeof(T)}, out = register_bytes - in;
-    const auto joined = [](Vec<T> low, Vec<T> high) { return as_lanes<T>(_mm_or_si128(_mm_srli_si128(raw(low), out), _mm_slli_si128(raw(high), in))); };
+    const auto joined = [](Vec<T> low, Vec<T> high) {
+        return as_lanes<T>(_mm_or_si128(_mm_srli_si128(raw(low), out), _mm_slli_si128(raw(high), in)));
+    };
     return {{as_lanes<T>(_mm_slli_si128(raw(g.v[0]), in)), joined(g.v[0], g.v[1]), joined(g.v[1], g.v[2])}};
 }
 

@@ -183,7 +183,8 @@ template <class Writes, class T, class A, class Op>
     constexpr int unit = unit_of<Op>();
     for (ptrdiff_t i = 0; i < n; i += unit)
         if (!Writes::skips(i))
-            store_unit<unit, T>(dst + i, applied<T>(op, padded<T>(op, a.template unit<unit>(i), unit), [&] { return load_unit<unit>(b + i); }));
+            store_unit<unit, T>(dst + i,
+                                applied<T>(op, padded<T>(op, a.template unit<unit>(i), unit), [&] { return load_unit<unit>(b + i); }));
 }
 
 // Kernels of one operand for which most samples are simpler than some: while four registers hold usual(ones) they take their short
@@ -200,6 +201,11 @@ template <class T, class A, class Op> ptrdiff_t usual_row(const A& a, T* dst, pt
     return i;
 }
 
+} // namespace detail
+
+namespace detail {
+template <class Op> inline constexpr bool has_zero_flag = requires(const Op& op) { op.saw_zero(); };
+template <class Op> inline constexpr bool has_status = requires(const Op& op) { op.status(); };
 } // namespace detail
 
 // One function per kernel, and everything in it: what a large file leaves the compiler to inline is not to decide about speed.
@@ -234,7 +240,7 @@ template <class Writes, class T, class A, class Op>
         const Vec<T> result = detail::applied<T>(op, first, [&] { return load(b + i, rest); });
         store(dst + i, Writes::merge(result, load(dst + i, rest), phase), rest);
     }
-    if constexpr (requires { op.saw_zero(); } || requires { op.status(); }) kernel = op; // what it saw; others are shared by threads
+    if constexpr (detail::has_zero_flag<Op> || detail::has_status<Op>) kernel = op; // what it saw; others are shared by threads
 }
 
 // The same row when the whole destination is too large to stay in a cache: results are made a few cache lines at a time and leave by

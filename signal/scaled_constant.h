@@ -28,7 +28,8 @@ public:
         }
     };
 
-    explicit ScaledSumWithConstant(int s) : low_(splat(static_cast<T>((2u << s) - 1))), less_(s - 1), mask_(splat(static_cast<U>(max_of<U> >> (s - 1)))) {}
+    explicit ScaledSumWithConstant(int s)
+        : low_(splat(static_cast<T>((2u << s) - 1))), less_(s - 1), mask_(splat(static_cast<U>(max_of<U> >> (s - 1)))) {}
 
     Vec<T> operator()(const auto& c, Vec<T> x) const {
         const Vec<T> addend = c[1] + as_lanes<T>((x & low_) == c[0]);
@@ -112,7 +113,9 @@ private:
 // 16 bits times a fraction, s <= 15: c * 2^(16-s) fits a sample, so that the halves of the product are the result and what is lost.
 template <class T> class ScaledProductWithFraction16 {
 public:
-    static bool takes(T c, int s) { return c % 2 != 0 && s >= 1 && s <= 15 && c * (1 << (16 - s)) <= max_of<T> && c * (1 << (16 - s)) >= min_of<T>; }
+    static bool takes(T c, int s) {
+        return c % 2 != 0 && s >= 1 && s <= 15 && c * (1 << (16 - s)) <= max_of<T> && c * (1 << (16 - s)) >= min_of<T>;
+    }
 
     ScaledProductWithFraction16(T c, int s)
         : low_(splat(static_cast<T>((2 << s) - 1))), tie_(splat(static_cast<T>((1 << (s - 1)) + ((c >> 1 & 1) << s)))),

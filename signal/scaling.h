@@ -47,7 +47,8 @@ template <class T> Vec<T> unmixed(Vec<T> v, Vec<T> mask) {
 template <class T> class RoundUnsigned {
 public:
     explicit RoundUnsigned(int s)
-        : whole_(s), less_(s - 1), bit_(splat(T(s < bits ? 1 : 0))), bias_(splat(T((1u << (s - 1)) - 2))), mask_(splat(T(max_of<T> >> (s - 1)))) {}
+        : whole_(s), less_(s - 1), bit_(splat(T(s < bits ? 1 : 0))), bias_(splat(T((1u << (s - 1)) - 2))),
+          mask_(splat(T(max_of<T> >> (s - 1)))) {}
     Vec<T> operator()(Vec<T> v) const {
         const Vec<T> odd = whole_(v) & bit_;
         return unmixed<T>(less_(average_up(v, bias_ + odd)), mask_);
@@ -150,7 +151,8 @@ template <class T> Vec<T> extreme(Vec<T> v) {
 // scale factor beyond theirs would give they give as well: 0, or more than any integer type holds.
 class ScaleFloat {
 public:
-    explicit ScaleFloat(int s) : half_(splat(power_of_two(-(clamped(s) / 2)))), rest_(splat(power_of_two(-(clamped(s) - clamped(s) / 2)))) {}
+    explicit ScaleFloat(int s)
+        : half_(splat(power_of_two(-(clamped(s) / 2)))), rest_(splat(power_of_two(-(clamped(s) - clamped(s) / 2)))) {}
     Vec<Zet32f> operator()(Vec<Zet32f> v) const { return v * half_ * rest_; }
 
 private:

@@ -60,7 +60,8 @@ template <class T> struct LShiftV {
 template <class T> struct RShiftV {
     static constexpr int constants = 3;
     using U = Unsigned<T>;
-    static U factor(Zet32u n) { return n > 0 && n < bits_of<T> ? static_cast<U>(U{1} << (bits_of<T> - n)) : U{0}; } // of n = 0 it has no room
+    // A count of 0 has no room for its factor.
+    static U factor(Zet32u n) { return n > 0 && n < bits_of<T> ? static_cast<U>(U{1} << (bits_of<T> - n)) : U{0}; }
     static U unshifted(Zet32u n) { return n == 0 ? max_of<U> : U{0}; }
     static U excess(Zet32u n) { return std::is_signed_v<T> ? static_cast<U>(U{1} << (bits_of<T> - 1 - n)) : U{0}; } // n < bits
 

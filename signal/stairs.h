@@ -22,7 +22,7 @@ template <class T> struct Stairs {
 // Stairs in registers. They outlive the kernels that refer to them.
 template <class T> class Steps {
     using S = std::make_signed_t<T>;
-    using U = std::make_unsigned_t<T>; // sums wrap
+    using U = std::make_unsigned_t<T>;                                             // sums wrap
     static constexpr T bias = std::is_unsigned_v<T> ? T(max_of<T> / 2 + 1) : T{0}; // the comparison is one of signed lanes
 
 public:

@@ -187,12 +187,14 @@ template <Factor factor, class Term, class T, int Channels, bool accurate> auto 
 }
 
 // Magnitudes of 16s come from a product that is made anyway.
-template <class Term, class T> inline constexpr bool by_sign = std::is_same_v<T, Zet16s>&& std::is_same_v<Term, Magnitude>;
+template <class Term, class T, int Channels, bool accurate> constexpr auto plain_sum_kernel() {
+    if constexpr (std::is_same_v<T, Zet16s> && (std::is_same_v<Term, Magnitude>))
+        return sum_kernel<Factor::sign, Plain, T, Channels, accurate>();
+    else return sum_kernel<Factor::none, Term, T, Channels, accurate>();
+}
 } // namespace detail
 
-template <class Term, class T, int Channels, bool accurate>
-using Sum = decltype(detail::sum_kernel < detail::by_sign<Term, T> ? Factor::sign : Factor::none,
-                     std::conditional_t<detail::by_sign<Term, T>, Plain, Term>, T, Channels, accurate > ());
+template <class Term, class T, int Channels, bool accurate> using Sum = decltype(detail::plain_sum_kernel<Term, T, Channels, accurate>());
 
 template <class Term, class T, int Channels, bool accurate>
 using SumOfSquares = decltype(detail::sum_kernel<Factor::itself, Term, T, Channels, accurate>());

@@ -8,7 +8,7 @@
 namespace zeti {
 
 inline constexpr int ln_bound = -9; // on 8u; this scale or a lower one saturates from 2 on
-inline constexpr int ln_zero = 5; // ln 65535 * 2^-5 < 1/2
+inline constexpr int ln_zero = 5;   // ln 65535 * 2^-5 < 1/2
 
 // 16s: -32768 up to 0.
 template <class T> constexpr Stairs<T> ln_stairs(int s) {

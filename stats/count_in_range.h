@@ -7,7 +7,8 @@
 
 namespace zeti {
 
-template <class T, class L, class Bound> ZetStatus count_in_range(const T* pSrc, int srcStep, ZetiSize roiSize, Zet32s* pCounts, Bound lowerBound, Bound upperBound) {
+template <class T, class L, class Bound>
+ZetStatus count_in_range(const T* pSrc, int srcStep, ZetiSize roiSize, Zet32s* pCounts, Bound lowerBound, Bound upperBound) {
     const auto lower = per_channel<L>(lowerBound), upper = per_channel<L>(upperBound);
     if (ZetStatus bad = first(null(pSrc, pCounts, lower, upper), step(srcStep), size(roiSize))) return bad;
     for (int c = 0; c < L::colours; ++c)

@@ -16,8 +16,9 @@ enum class Way { direct, forward, binary, every_bin };
 struct BreakEven {
     int pixels, levels;
 };
-inline constexpr BreakEven ascending_break_even[] = {{6400, 134}, {9216, 78}, {12544, 50}, {16384, 34}, {20736, 22}, {25600, 6}, {36864, 2}};
-inline constexpr BreakEven unsorted_break_even[] = {{1024, 434}, {2304, 222}, {4096, 126},  {6400, 78},  {9216, 50}, {12544, 34},
+inline constexpr BreakEven ascending_break_even[] = {{6400, 134}, {9216, 78}, {12544, 50}, {16384, 34},
+                                                     {20736, 22}, {25600, 6}, {36864, 2}};
+inline constexpr BreakEven unsorted_break_even[] = {{1024, 434}, {2304, 222}, {4096, 126}, {6400, 78}, {9216, 50}, {12544, 34},
                                                     {16384, 22}, {20736, 14}, {25600, 10}, {30976, 6}, {43264, 2}};
 
 template <int N> bool pays_direct(const BreakEven (&table)[N], int64_t pixels, int nLevels) {
@@ -38,7 +39,9 @@ inline Way way_of_32f(Levels<Zet32f> levels) {
     return levels.count > 102 ? Way::binary : Way::forward;
 }
 
-template <class T> Channel<T> channel_of(const T* pSrc, int srcStep, ZetiSize roi, int channels, int c) { return {{pSrc + c, srcStep}, channels, roi}; }
+template <class T> Channel<T> channel_of(const T* pSrc, int srcStep, ZetiSize roi, int channels, int c) {
+    return {{pSrc + c, srcStep}, channels, roi};
+}
 
 template <class T> void search(Way way, Channel<T> image, Levels<Level<T>> levels, Zet32u* bins) {
     if (way == Way::forward) ownpi_Histogram_FS(image, levels, bins);
@@ -46,7 +49,8 @@ template <class T> void search(Way way, Channel<T> image, Levels<Level<T>> level
     else ownpi_Histogram_BH(image, levels, bins);
 }
 
-template <class T, class L> ZetStatus count_16(const T* pSrc, int srcStep, ZetiSize roi, const Levels<Zet32s>* levels, Zet32u* const* bins) {
+template <class T, class L>
+ZetStatus count_16(const T* pSrc, int srcStep, ZetiSize roi, const Levels<Zet32s>* levels, Zet32u* const* bins) {
     Way ways[L::colours];
     bool direct = false;
     for (int c = 0; c < L::colours; ++c) {
@@ -72,7 +76,8 @@ template <class T, class L> ZetStatus count(const T* pSrc, int srcStep, ZetiSize
         return count_16<T, L>(pSrc, srcStep, roi, levels, bins);
     } else {
         [[maybe_unused]] const FloatState held;
-        for (int c = 0; c < L::colours; ++c) search(way_of_32f(levels[c]), channel_of(pSrc, srcStep, roi, L::channels, c), levels[c], bins[c]);
+        for (int c = 0; c < L::colours; ++c)
+            search(way_of_32f(levels[c]), channel_of(pSrc, srcStep, roi, L::channels, c), levels[c], bins[c]);
     }
     return zetStsNoErr;
 }
@@ -95,7 +100,8 @@ template <class T, class L> struct Bins {
 struct EvenLevels {
     int64_t width, remainder;
 
-    EvenLevels(Zet32s lower, Zet32s upper, int intervals) : width((int64_t{upper} - lower) / intervals), remainder((int64_t{upper} - lower) % intervals) {}
+    EvenLevels(Zet32s lower, Zet32s upper, int intervals)
+        : width((int64_t{upper} - lower) / intervals), remainder((int64_t{upper} - lower) % intervals) {}
     void write(Zet32s lower, Zet32s* levels, int intervals) const {
         int64_t level = lower;
         for (int k = 0; k <= intervals; ++k) {
@@ -113,14 +119,16 @@ ZetStatus histogram_range(const T* pSrc, int srcStep, ZetiSize roiSize, Hist pHi
     const auto hist = per_channel<L>(pHist);
     const auto levels = per_channel<L>(pLevels);
     const auto n = per_channel<L>(nLevels);
-    if (ZetStatus bad = check_levels<L>(null(pSrc), first(size(roiSize), step(srcStep)), zetStsHistoNofLevelsErr, n, hist, levels)) return bad;
+    if (ZetStatus bad = check_levels<L>(null(pSrc), first(size(roiSize), step(srcStep)), zetStsHistoNofLevelsErr, n, hist, levels))
+        return bad;
     const detail::Bins<T, L> to(hist, levels, n);
     return detail::count<T, L>(pSrc, srcStep, roiSize, to.levels, to.bins);
 }
 
 // HistogramEven.
 template <class T, class L, class Hist, class Levels, class Number, class Bound>
-ZetStatus histogram_even(const T* pSrc, int srcStep, ZetiSize roiSize, Hist pHist, Levels pLevels, Number nLevels, Bound lowerLevel, Bound upperLevel) {
+ZetStatus histogram_even(const T* pSrc, int srcStep, ZetiSize roiSize, Hist pHist, Levels pLevels, Number nLevels, Bound lowerLevel,
+                         Bound upperLevel) {
     const auto hist = per_channel<L>(pHist);
     const auto levels = per_channel<L>(pLevels);
     const auto n = per_channel<L>(nLevels);

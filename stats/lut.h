@@ -110,7 +110,8 @@ template <class Form, class T, class L> ZetStatus map_floats(Src<T> src, Dst<T> 
 }
 
 template <class Form, class T, class L, class Values, class Levels, class Number>
-ZetStatus lut(ZetStatus images, ZetStatus sizeAndSteps, Src<T> src, Dst<T> dst, ZetiSize roi, const Values& pValues, const Levels& pLevels, const Number& nLevels) {
+ZetStatus lut(ZetStatus images, ZetStatus sizeAndSteps, Src<T> src, Dst<T> dst, ZetiSize roi, const Values& pValues, const Levels& pLevels,
+              const Number& nLevels) {
     const auto values = per_channel<L>(pValues);
     const auto levels = per_channel<L>(pLevels);
     const auto n = per_channel<L>(nLevels);
@@ -126,8 +127,8 @@ ZetStatus lut(ZetStatus images, ZetStatus sizeAndSteps, Src<T> src, Dst<T> dst, 
 // On C1 the arrays by themselves, else an array of them per colour channel.
 template <class Form, class T, class L, class Values, class Levels, class Number>
 ZetStatus lut(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize, Values pValues, Levels pLevels, Number nLevels) {
-    return detail::lut<Form, T, L>(null(pSrc, pDst), first(size(roiSize), step(srcStep, dstStep)), {pSrc, srcStep}, {pDst, dstStep}, roiSize, pValues, pLevels,
-                                   nLevels);
+    return detail::lut<Form, T, L>(null(pSrc, pDst), first(size(roiSize), step(srcStep, dstStep)), {pSrc, srcStep}, {pDst, dstStep},
+                                   roiSize, pValues, pLevels, nLevels);
 }
 
 template <class Form, class T, class L, class Values, class Levels, class Number>

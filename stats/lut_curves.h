@@ -98,7 +98,7 @@ template <class V> CubicPolynomial cubic_through(const Curve<V>& curve, int j) {
         const int other = j + i + (i > 0);
         x[i] = curve.x(other, j + 1), y[i] = curve.y(other, j + 1);
     }
-    const auto determinant = [](const double (&p)[3], const double (&q)[3], const double (&r)[3]) {
+    const auto determinant = [](const double(&p)[3], const double(&q)[3], const double(&r)[3]) {
         return p[0] * (q[1] * r[2] - q[2] * r[1]) - p[1] * (q[0] * r[2] - q[2] * r[0]) + p[2] * (q[0] * r[1] - q[1] * r[0]);
     };
     const double square[3] = {x[0] * x[0], x[1] * x[1], x[2] * x[2]}, cube[3] = {square[0] * x[0], square[1] * x[1], square[2] * x[2]};
@@ -122,7 +122,9 @@ struct Cubic {
         });
     }
 
-    static int64_t coefficients(int levels) { return levels < fewest_levels ? Linear::coefficients(levels) : 3 * Linear::coefficients(levels); }
+    static int64_t coefficients(int levels) {
+        return levels < fewest_levels ? Linear::coefficients(levels) : 3 * Linear::coefficients(levels);
+    }
     // Three arrays, one behind the other.
     static void prepare(const Curve<Zet32f>& curve, double* coefficients) {
         if (curve.levels.count < fewest_levels) return Linear::prepare(curve, coefficients);

@@ -219,7 +219,8 @@ template <class V> ZetStatus check_channel(const MomentState<V>* state, int chan
 }
 
 // The checks of the getters of one moment; then use(orders, sums), unless no moment has these orders.
-template <class V, class Use> ZetStatus get_moment(const MomentState<V>* state, int mOrd, int nOrd, int channel, const void* value, Use use) {
+template <class V, class Use>
+ZetStatus get_moment(const MomentState<V>* state, int mOrd, int nOrd, int channel, const void* value, Use use) {
     if (ZetStatus bad = first(null(value), check_state<V>(state))) return bad;
     if (int64_t{mOrd} + nOrd > 3) return zetStsSizeErr;
     if (ZetStatus bad = check_channel<V>(state, channel)) return bad;
@@ -286,7 +287,8 @@ template <class V, class Out> ZetStatus hu(const MomentState<V>* state, int chan
     return zetStsNoErr;
 }
 
-template <class V, class Out> ZetStatus spatial(const MomentState<V>* state, int mOrd, int nOrd, int channel, V* value, Out out, ZetiPoint offset) {
+template <class V, class Out>
+ZetStatus spatial(const MomentState<V>* state, int mOrd, int nOrd, int channel, V* value, Out out, ZetiPoint offset) {
     return get_moment<V>(state, mOrd, nOrd, channel, value, [&](Orders o, const MomentSums<V>& sums) {
         if (o.known) *value = out(sums.spatial(o.m, o.n, MomentNumber<V>(V(offset.x)), MomentNumber<V>(V(offset.y))));
         return zetStsNoErr;
@@ -298,13 +300,16 @@ template <class V, class Out> ZetStatus central(const MomentState<V>* state, int
         return zetStsNoErr;
     });
 }
-template <class V, class Out> ZetStatus normalized_spatial(const MomentState<V>* state, int mOrd, int nOrd, int channel, V* value, Out out, ZetiPoint offset) {
+template <class V, class Out>
+ZetStatus normalized_spatial(const MomentState<V>* state, int mOrd, int nOrd, int channel, V* value, Out out, ZetiPoint offset) {
     return normalized<V>(state, mOrd, nOrd, channel, value, out, [=](const MomentSums<V>& sums, Orders o) {
         return sums.spatial(o.m, o.n, MomentNumber<V>(V(offset.x)), MomentNumber<V>(V(offset.y)));
     });
 }
-template <class V, class Out> ZetStatus normalized_central(const MomentState<V>* state, int mOrd, int nOrd, int channel, V* value, Out out) {
-    return normalized<V>(state, mOrd, nOrd, channel, value, out, [](const MomentSums<V>& sums, Orders o) { return sums.central(o.m, o.n); });
+template <class V, class Out>
+ZetStatus normalized_central(const MomentState<V>* state, int mOrd, int nOrd, int channel, V* value, Out out) {
+    return normalized<V>(state, mOrd, nOrd, channel, value, out,
+                         [](const MomentSums<V>& sums, Orders o) { return sums.central(o.m, o.n); });
 }
 
 // What the scale factor, which only the integer forms have, makes of the results.
@@ -314,7 +319,8 @@ inline AsInteger output(int scaleFactor) { return {scaleFactor}; }
 } // namespace detail
 
 template <class V, class... Scale>
-ZetStatus spatial_moment(const detail::MomentState<V>* pState, int mOrd, int nOrd, int nChannel, ZetiPoint roiOffset, V* pValue, Scale... scaleFactor) {
+ZetStatus spatial_moment(const detail::MomentState<V>* pState, int mOrd, int nOrd, int nChannel, ZetiPoint roiOffset, V* pValue,
+                         Scale... scaleFactor) {
     return detail::spatial<V>(pState, mOrd, nOrd, nChannel, pValue, detail::output(scaleFactor...), roiOffset);
 }
 template <class V, class... Scale>
@@ -322,11 +328,13 @@ ZetStatus central_moment(const detail::MomentState<V>* pState, int mOrd, int nOr
     return detail::central<V>(pState, mOrd, nOrd, nChannel, pValue, detail::output(scaleFactor...));
 }
 template <class V, class... Scale>
-ZetStatus normalized_spatial_moment(const detail::MomentState<V>* pState, int mOrd, int nOrd, int nChannel, ZetiPoint roiOffset, V* pValue, Scale... scaleFactor) {
+ZetStatus normalized_spatial_moment(const detail::MomentState<V>* pState, int mOrd, int nOrd, int nChannel, ZetiPoint roiOffset, V* pValue,
+                                    Scale... scaleFactor) {
     return detail::normalized_spatial<V>(pState, mOrd, nOrd, nChannel, pValue, detail::output(scaleFactor...), roiOffset);
 }
 template <class V, class... Scale>
-ZetStatus normalized_central_moment(const detail::MomentState<V>* pState, int mOrd, int nOrd, int nChannel, V* pValue, Scale... scaleFactor) {
+ZetStatus normalized_central_moment(const detail::MomentState<V>* pState, int mOrd, int nOrd, int nChannel, V* pValue,
+                                    Scale... scaleFactor) {
     return detail::normalized_central<V>(pState, mOrd, nOrd, nChannel, pValue, detail::output(scaleFactor...));
 }
 template <class V, class... Scale> ZetStatus hu_moments(const detail::MomentState<V>* pState, int nChannel, V* pHm, Scale... scaleFactor) {

@@ -12,10 +12,10 @@ inline constexpr Zet64f zetDblMin = 2.2250738585072014e-308; // below it a denom
 namespace detail {
 
 enum class Quotient {
-    plain, // of two norms without a root; zero denominator: the numerators
-    plain_or_nothing, // zero denominator: pValue is left alone
-    of_roots, // zero denominator: the roots of the numerators
-    under_root, // a single root; zero denominator: the roots of the numerators
+    plain,                // of two norms without a root; zero denominator: the numerators
+    plain_or_nothing,     // zero denominator: pValue is left alone
+    of_roots,             // zero denominator: the roots of the numerators
+    under_root,           // a single root; zero denominator: the roots of the numerators
     under_root_or_squares // zero denominator: the numerators without a root
 };
 

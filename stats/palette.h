@@ -21,16 +21,16 @@ template <class D> struct PaletteEntry {
 };
 template <> struct PaletteEntry<Zet24u> {
     using type = Zet32u;
-    static Zet24u pixel(Zet32u entry) { return {{static_cast<Zet8u>(entry), static_cast<Zet8u>(entry >> 8), static_cast<Zet8u>(entry >> 16)}}; }
+    static Zet24u pixel(Zet32u entry) {
+        return {{static_cast<Zet8u>(entry), static_cast<Zet8u>(entry >> 8), static_cast<Zet8u>(entry >> 16)}};
+    }
 };
 
 // Samples of a pixel of the source and of the destination, and where they go.
 template <class L> struct PaletteForm {
     static constexpr int channels = L::channels, to = L::channels, colours = L::colours, place[4] = {0, 1, 2, 3};
 };
-template <> struct PaletteForm<C3A0C4> {
-    static constexpr int channels = 3, to = 4, colours = 3, place[4] = {1, 2, 3};
-};
+template <> struct PaletteForm<C3A0C4> { static constexpr int channels = 3, to = 4, colours = 3, place[4] = {1, 2, 3}; };
 struct SwappedForm : PaletteForm<C3A0C4> {
     static constexpr int place[4] = {2, 1, 3};
 };

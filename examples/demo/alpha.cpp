@@ -25,7 +25,8 @@ ColourAlpha cut_out(const Grey &grey, const Colour &clothes, ZetiSize size) {
 
 ColourAlpha disc(const Colour &photo, ZetiSize size, double centre) {
     const double radius = size.height * 0.36;
-    return with_alpha(photo, size, [&](int x, int y) { return 128 + 12 * (radius - std::hypot(x - size.width * centre, y - size.height / 2.0)); });
+    return with_alpha(photo, size,
+                      [&](int x, int y) { return 128 + 12 * (radius - std::hypot(x - size.width * centre, y - size.height / 2.0)); });
 }
 
 void show_comp(Gallery &gallery, const Photos &photos) {
@@ -34,14 +35,17 @@ void show_comp(Gallery &gallery, const Photos &photos) {
     {
         const ZetiSize roi = common(front, back);
         const ColourAlpha src1 = cut_out(photos.grey(2), front, roi), src2 = with_alpha(back, roi, [](int, int) { return 255; }), dst(roi);
-        Shot shot = gallery.shot("Cut out and put elsewhere", "A matte made from the brightness of the photograph; Over, with soft edges.", roi);
+        Shot shot =
+            gallery.shot("Cut out and put elsewhere", "A matte made from the brightness of the photograph; Over, with soft edges.", roi);
         shot.run(CALL(zetiAlphaComp_8u_AC4R(src1.p, src1.step, src2.p, src2.step, dst.p, dst.step, roi, zetAlphaOver)));
         shot.show({{"src1", picture(src1)}, {"src2", picture(src2)}}, {{"dst", picture(dst)}});
     }
     {
         const ZetiSize roi = common(photos.colour(1), back);
-        const ColourAlpha src1 = disc(photos.colour(1), roi, 0.38), src2 = disc(back, roi, 0.62), in(roi), out(roi), atop(roi), exclusive(roi);
-        Shot shot = gallery.shot("Two discs by four operators", "Inside the other, outside of it, on top of it, and each outside of the other.", roi);
+        const ColourAlpha src1 = disc(photos.colour(1), roi, 0.38), src2 = disc(back, roi, 0.62), in(roi), out(roi), atop(roi),
+                          exclusive(roi);
+        Shot shot = gallery.shot("Two discs by four operators",
+                                 "Inside the other, outside of it, on top of it, and each outside of the other.", roi);
         shot.run(CALL(zetiAlphaComp_8u_AC4R(src1.p, src1.step, src2.p, src2.step, in.p, in.step, roi, zetAlphaIn)));
         shot.run(CALL(zetiAlphaComp_8u_AC4R(src1.p, src1.step, src2.p, src2.step, out.p, out.step, roi, zetAlphaOut)));
         shot.run(CALL(zetiAlphaComp_8u_AC4R(src1.p, src1.step, src2.p, src2.step, atop.p, atop.step, roi, zetAlphaATop)));
@@ -89,7 +93,8 @@ void show_key(Gallery &gallery, const Photos &photos) {
                 const int edge = std::min({x, y, src1.size.width - 1 - x, src1.size.height - 1 - y}), wood = 90 + (x * 7 + y * 3) % 40;
                 const bool screen = edge * 10 > src1.size.height;
                 Zet8u *const p = src1.at(x, y);
-                p[0] = static_cast<Zet8u>(screen ? 255 : wood), p[1] = static_cast<Zet8u>(screen ? 0 : wood * 2 / 3), p[2] = static_cast<Zet8u>(screen ? 255 : wood / 3);
+                p[0] = static_cast<Zet8u>(screen ? 255 : wood), p[1] = static_cast<Zet8u>(screen ? 0 : wood * 2 / 3),
+                p[2] = static_cast<Zet8u>(screen ? 255 : wood / 3);
             }
         Shot shot = gallery.shot("Framed", "A drawn frame before a magenta screen, in which the photograph appears.", dst.size);
         GIVEN(shot, const Zet8u magenta[3] = {255, 0, 255});

@@ -35,7 +35,10 @@ double measure(const std::function<void()> &call) {
 
 std::string Shot::checked(const std::string &text, ZetStatus status) {
     if (status < zetStsNoErr) throw std::runtime_error(text + ": status " + std::to_string(status));
-    return status == zetStsNoErr ? "zetStsNoErr" : status == zetStsDivByZero ? "zetStsDivByZero" : status == zetStsLnZeroArg ? "zetStsLnZeroArg" : std::to_string(status);
+    return status == zetStsNoErr       ? "zetStsNoErr"
+           : status == zetStsDivByZero ? "zetStsDivByZero"
+           : status == zetStsLnZeroArg ? "zetStsLnZeroArg"
+                                       : std::to_string(status);
 }
 
 void Shot::add(const std::string &text, const std::string &status, std::function<void()> again) {

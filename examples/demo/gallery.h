@@ -27,7 +27,7 @@ namespace demo {
 struct Call {
     std::string text;
     std::string status; // empty where the function has none
-    int times = 1; // calls in a row that read the same
+    int times = 1;      // calls in a row that read the same
     double seconds = 0; // one call
 };
 
@@ -96,7 +96,7 @@ public:
     Shot shot(const std::string &title, const std::string &note, ZetiSize region);
 
     Figure figure(const Captioned &captioned); // writes the picture, once if it comes again
-    std::string write_page() const; // gives the name of the page
+    std::string write_page() const;            // gives the name of the page
     std::string summary() const;
 
 private:

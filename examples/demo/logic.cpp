@@ -86,14 +86,16 @@ void show_constants(Gallery &gallery, const Photos &photos) {
     }
     gallery.family("LShiftC", "Left shift by a constant: dst = src << value.");
     {
-        Shot shot = gallery.shot("The three lowest bits", "What a camera calls noise, 32 times brighter. High bits are lost, nothing saturates.", src.size);
+        Shot shot = gallery.shot("The three lowest bits",
+                                 "What a camera calls noise, 32 times brighter. High bits are lost, nothing saturates.", src.size);
         GIVEN(shot, const Zet32u value[3] = {5, 5, 5});
         shot.run(CALL(zetiLShiftC_8u_C3R(src.p, src.step, value, dst.p, dst.step, src.size)));
         shot.show({{"src", picture(src)}}, {{"dst", picture(dst)}});
     }
     gallery.family("RShiftC", "Right shift by a constant: dst = src >> value.");
     {
-        Shot shot = gallery.shot("Evening", "Each channel by its own count: half of the red, a quarter of the green, all of the blue.", src.size);
+        Shot shot =
+            gallery.shot("Evening", "Each channel by its own count: half of the red, a quarter of the green, all of the blue.", src.size);
         GIVEN(shot, const Zet32u value[3] = {1, 2, 0});
         shot.run(CALL(zetiRShiftC_8u_C3R(src.p, src.step, value, dst.p, dst.step, src.size)));
         shot.show({{"src", picture(src)}}, {{"dst", picture(dst)}});
@@ -189,21 +191,24 @@ Grey scanned_page(ZetiSize size) {
                                   {'I', "01110001000010000100001000010001110"}, {'N', "10001110011010110011100011000110001"},
                                   {'O', "01110100011000110001100011000101110"}, {'R', "11110100011000111110101001001010001"},
                                   {'S', "01111100001000001110000010000111110"}, {'T', "11111001000010000100001000010000100"}};
-    const char *const lines[] = {"TEN STONES IN A TRAIN", "NO RAIN IS SEEN", "A TRAIN ROARS IN", "SIRENS AT NOON", "STARS ON IRON ARE RARE"};
+    const char *const lines[] = {"TEN STONES IN A TRAIN", "NO RAIN IS SEEN", "A TRAIN ROARS IN", "SIRENS AT NOON",
+                                 "STARS ON IRON ARE RARE"};
     const int dot = std::max(1, size.width / 160);
     const auto ink = [&](int x, int y) {
         const int column = x / dot - 8, row = y / dot - 6, line = row / 12, place = column / 6;
         if (column < 0 || row < 0 || row % 12 >= 7 || column % 6 >= 5) return false;
         const char *const text = lines[line % 5];
         if (place >= static_cast<int>(std::strlen(text))) return false;
-        const auto *const letter = std::find_if(std::begin(letters), std::end(letters), [&](const Letter &l) { return l.name == text[place]; });
+        const auto *const letter =
+            std::find_if(std::begin(letters), std::end(letters), [&](const Letter &l) { return l.name == text[place]; });
         return letter != std::end(letters) && letter->dots[row % 12 * 5 + column % 6] == '1';
     };
     std::mt19937 random(1);
     std::normal_distribution<double> noise(0, 14);
     Grey page(size);
     for (int y = 0; y < size.height; ++y)
-        for (int x = 0; x < size.width; ++x) page.row(y)[x] = static_cast<Zet8u>(std::clamp((ink(x, y) ? 95 : 185) + noise(random), 0.0, 255.0));
+        for (int x = 0; x < size.width; ++x)
+            page.row(y)[x] = static_cast<Zet8u>(std::clamp((ink(x, y) ? 95 : 185) + noise(random), 0.0, 255.0));
     return page;
 }
 
@@ -211,7 +216,8 @@ void show_otsu(Gallery &gallery) {
     gallery.family("ComputeThreshold_Otsu", "The level that best separates an image into two classes (Otsu 1979).");
     const Grey page = scanned_page({512, 340}), dst(page.size);
     Zet8u level = 0;
-    Shot shot = gallery.shot("Ink and paper", "A noisy scan; the level is found, what is above it becomes white and the rest black.", page.size);
+    Shot shot =
+        gallery.shot("Ink and paper", "A noisy scan; the level is found, what is above it becomes white and the rest black.", page.size);
     shot.run(CALL(zetiComputeThreshold_Otsu_8u_C1R(page.p, page.step, page.size, &level)));
     shot.run(CALL(zetiThreshold_GTVal_8u_C1R(page.p, page.step, dst.p, dst.step, page.size, level, 255)));
     shot.run(CALL(zetiThreshold_Val_8u_C1IR(dst.p, dst.step, dst.size, 255, 0, zetCmpLess)));

@@ -19,7 +19,8 @@ Colour bars(const Bins (&counts)[3], ZetiSize size) {
     for (int x = 0; x < size.width; ++x)
         for (int c = 0; c < 3; ++c) {
             const std::size_t bin = static_cast<std::size_t>(x) * counts[c].size() / size.width;
-            const int height = static_cast<int>(std::sqrt(static_cast<double>(counts[c][bin]) / most) * size.height); // of the root: small counts show
+            const int height =
+                static_cast<int>(std::sqrt(static_cast<double>(counts[c][bin]) / most) * size.height); // of the root: small counts show
             for (int y = size.height - height; y < size.height; ++y) image.at(x, y)[c] = 230;
         }
     return image;
@@ -46,7 +47,8 @@ void show_histogram(Gallery &gallery, const Photos &photos) {
     gallery.family("HistogramEven", "Counts samples between levels at even distances.");
     const Colour &src = photos.colour(0);
     {
-        Shot shot = gallery.shot("The colours of a photograph", "A bin for each of 256 levels and channel; the bars are drawn by square roots.", src.size);
+        Shot shot = gallery.shot("The colours of a photograph",
+                                 "A bin for each of 256 levels and channel; the bars are drawn by square roots.", src.size);
         Bins counts[3] = {Bins(256), Bins(256), Bins(256)}, levels[3] = {Bins(257), Bins(257), Bins(257)};
         GIVEN(shot, Zet32s *const pHist[3] = {counts[0].data(), counts[1].data(), counts[2].data()});
         GIVEN(shot, Zet32s *const pLevels[3] = {levels[0].data(), levels[1].data(), levels[2].data()});
@@ -75,7 +77,9 @@ void show_histogram(Gallery &gallery, const Photos &photos) {
         shot.run(CALL(zetiCountInRange_8u_C1R(grey.p, grey.step, grey.size, &count, 0, 24)));
         shot.run(CALL(zetiCompareC_8u_C1R(grey.p, grey.step, 24, dst.p, dst.step, dst.size, zetCmpLessEq)));
         const double percent = 100.0 * count / grey.size.width / grey.size.height;
-        shot.show({{"grey", picture(grey)}}, {{"dst: " + std::to_string(count) + " samples, " + std::to_string(static_cast<int>(percent + 0.5)) + " %", picture(dst)}});
+        shot.show(
+            {{"grey", picture(grey)}},
+            {{"dst: " + std::to_string(count) + " samples, " + std::to_string(static_cast<int>(percent + 0.5)) + " %", picture(dst)}});
     }
 }
 
@@ -109,7 +113,8 @@ void show_lut(Gallery &gallery, const Photos &photos) {
         Shot shot = gallery.shot("A tone curve", "Five points and smooth between them: deeper shadows, lighter lights.", src.size);
         GIVEN(shot, const Zet32s pLevels[5] = {0, 64, 128, 192, 256}, pValues[5] = {0, 32, 128, 224, 255});
         shot.run(CALL(zetiLUT_Cubic_8u_C1R(src.p, src.step, dst.p, dst.step, dst.size, pValues, pLevels, 5)));
-        const Grey curve = curve_of([&](const Zet8u *from, Zet8u *to) { zetiLUT_Cubic_8u_C1R(from, 256, to, 256, row, pValues, pLevels, 5); });
+        const Grey curve =
+            curve_of([&](const Zet8u *from, Zet8u *to) { zetiLUT_Cubic_8u_C1R(from, 256, to, 256, row, pValues, pLevels, 5); });
         shot.show({{"src", picture(src)}}, {{"dst", picture(dst)}, {"the curve", picture(curve)}});
     }
 }
@@ -147,7 +152,8 @@ void show_palette(Gallery &gallery, const Photos &photos) {
 // A leaf: bright, off the centre and turned.
 Grey shape(ZetiSize size) {
     return drawn<Zet8u>(size, [](double x, double y) {
-        const double u = (x + 0.12) * std::cos(0.6) + (y - 0.05) * std::sin(0.6), v = (y - 0.05) * std::cos(0.6) - (x + 0.12) * std::sin(0.6);
+        const double u = (x + 0.12) * std::cos(0.6) + (y - 0.05) * std::sin(0.6),
+                     v = (y - 0.05) * std::cos(0.6) - (x + 0.12) * std::sin(0.6);
         return std::hypot(u / 0.7, v / (0.22 + 0.12 * u)) < 1 ? 220 : 0;
     });
 }

@@ -68,8 +68,8 @@ typedef struct {
 
 /* How an integer result is rounded. */
 typedef enum ZETI_INT_ENUM {
-    zetRndZero = 0, /* towards zero */
-    zetRndNear = 1, /* to nearest, ties to even */
+    zetRndZero = 0,     /* towards zero */
+    zetRndNear = 1,     /* to nearest, ties to even */
     zetRndFinancial = 2 /* to nearest, ties away from zero */
 } ZetRoundMode;
 
@@ -101,6 +101,7 @@ typedef enum ZETI_INT_ENUM {
 } ZetAlphaType;
 
 /* Speed or accuracy, where a function has a path for each: the value 2 takes the accurate one, any other the fast one. */
+/* clang-format off */
 typedef enum ZETI_INT_ENUM {
     zetAlgHintNone = 0,
     zetAlgHintFast = 1,
@@ -115,6 +116,7 @@ typedef enum ZETI_INT_ENUM {
     zetCmpGreaterEq = 3,
     zetCmpGreater = 4
 } ZetCmpOp;
+/* clang-format on */
 
 /* Sums over an image, from MomentInitAlloc or MomentInit; Moments64f and Moments64s fill them, and getters answer from them. */
 typedef struct ZetiMomentState_64f ZetiMomentState_64f;

@@ -3,8 +3,8 @@
 #ifndef ZETI_ZETI_H
 #define ZETI_ZETI_H
 
-#include "types.h"
-#include "status.h"
 #include "functions.h"
+#include "status.h"
+#include "types.h"
 
 #endif

@@ -65,7 +65,8 @@ template <class T> struct Picture {
 
     Picture(Random& r, Layout l, int w, int h, std::initializer_list<int> directions)
         : layout(l), width(w), height(h), image(r, w, l.planar() ? 4 * h : h, l.planar() ? 1 : l.channels, directions) {
-        for (int c = 0; c < 4; ++c) planes[c] = reinterpret_cast<T*>(reinterpret_cast<char*>(image.data()) + static_cast<std::ptrdiff_t>(c) * h * image.step);
+        for (int c = 0; c < 4; ++c)
+            planes[c] = reinterpret_cast<T*>(reinterpret_cast<char*>(image.data()) + static_cast<std::ptrdiff_t>(c) * h * image.step);
         if (r.chance(3)) return;
         each([&](int x, int y, int c) { // alpha of mattes, floats of a photograph
             if (c == l.alpha && r.chance(2)) set(x, y, c, r.chance(2) ? full<T> : T(0));

@@ -22,7 +22,9 @@ template <class T> struct Family {
     bool constant() const { return std::string(operation).ends_with("C"); }
 
     ZetStatus run(const Picture<T>& a, const Picture<T>& b, const Picture<T>& d, ZetiSize roi, T alpha1, T alpha2, int type) const {
-        const auto with = [&](auto pa, auto pb, auto pd) { return call(pa, a.image.step, pb, b.image.step, pd, d.image.step, roi, alpha1, alpha2, type); };
+        const auto with = [&](auto pa, auto pb, auto pd) {
+            return call(pa, a.image.step, pb, b.image.step, pd, d.image.step, roi, alpha1, alpha2, type);
+        };
         return layout.planar() ? with(a.planes.data(), b.planes.data(), d.planes.data()) : with(a.planes[0], b.planes[0], d.planes[0]);
     }
     // P is T* or, on planes, T* const*.
@@ -31,7 +33,8 @@ template <class T> struct Family {
         const auto t = static_cast<ZetAlphaType>(type);
         const S x = a, y = b;
         const auto with = [&](auto... arguments) { return test::call(name(), arguments...); };
-        if (composes()) return constant() ? with(x, aStep, alpha1, y, bStep, alpha2, d, dStep, roi, t) : with(x, aStep, y, bStep, d, dStep, roi, t);
+        if (composes())
+            return constant() ? with(x, aStep, alpha1, y, bStep, alpha2, d, dStep, roi, t) : with(x, aStep, y, bStep, d, dStep, roi, t);
         if (inPlace) return constant() ? with(alpha1, d, dStep, roi) : with(d, dStep, roi);
         return constant() ? with(x, aStep, alpha1, d, dStep, roi) : with(x, aStep, d, dStep, roi);
     }
@@ -59,7 +62,9 @@ template <class Use> void each_member(Use use) {
             for (const Layout& l : {C1, C3, C4, AC4, AP4}) use(Family<T>{"AlphaPremulC", l, inPlace});
         }
     };
-    const auto other = [&]<class T>(T) { use(Family<T>{"AlphaComp", AC1}), use(Family<T>{"AlphaComp", AC4}), use(Family<T>{"AlphaCompC", C1}); };
+    const auto other = [&]<class T>(T) {
+        use(Family<T>{"AlphaComp", AC1}), use(Family<T>{"AlphaComp", AC4}), use(Family<T>{"AlphaCompC", C1});
+    };
     small(Zet8u{}), small(Zet16u{});
     other(Zet8s{}), other(Zet16s{}), other(Zet32u{}), other(Zet32s{}), other(Zet32f{});
 }
@@ -69,7 +74,9 @@ template <class T> bool check(const Family<T>& f, Random& r, int width, int heig
     Picture<T> a(r, f.layout, width, height, {1, -1}), b(r, f.layout, width, height, {1, -1}), d(r, f.layout, width, height, {1, -1});
     const int shared = f.inPlace ? 1 : r.between(0, 3);
     const Picture<T>&first = shared == 1 ? d : a, &second = shared == 2 ? d : b;
-    const auto constant = [&] { return std::is_floating_point_v<T> ? static_cast<T>(r.between(0, 100)) / 99 : r.sample<T>(Random::mixed, 0); };
+    const auto constant = [&] {
+        return std::is_floating_point_v<T> ? static_cast<T>(r.between(0, 100)) / 99 : r.sample<T>(Random::mixed, 0);
+    };
     const T alpha1 = constant(), alpha2 = constant();
     d.each([&](int x, int y, int c) {
         const auto pixel = [&](const Picture<T>& p) { return std::function([&, x, y](int i) { return p.at(x, y, i); }); };
@@ -81,7 +88,8 @@ template <class T> bool check(const Family<T>& f, Random& r, int width, int heig
     const unsigned after = _mm_getcsr();
     _mm_setcsr(before);
     const auto good = d.image.intact();
-    EXPECT_TRUE(good) << f.name() << ", type " << type << ", " << width << " x " << height << ", constants " << text(alpha1) << ' ' << text(alpha2);
+    EXPECT_TRUE(good) << f.name() << ", type " << type << ", " << width << " x " << height << ", constants " << text(alpha1) << ' '
+                      << text(alpha2);
     EXPECT_TRUE(a.image.intact() && b.image.intact()) << f.name() << " writes to a source";
     EXPECT_EQ(status, zetStsNoErr) << f.name();
     EXPECT_EQ(after, state) << f.name();
@@ -115,7 +123,9 @@ TEST(Alpha, EveryPairOf8u) {
             b.set(x, y, c, static_cast<Zet8u>(c == 0 ? y : c == 1 ? x : c == 2 ? r.bits() : x));
         });
         const auto pixel = [](const Picture<Zet8u>& p, int x, int y) { return std::function([&p, x, y](int c) { return p.at(x, y, c); }); };
-        a.each([&](int x, int y, int c) { d.expect(x, y, c, f.expected(c, pixel(a, x, y), pixel(b, x, y), Zet8u{}, Zet8u{}, Zet8u{}, type)); });
+        a.each([&](int x, int y, int c) {
+            d.expect(x, y, c, f.expected(c, pixel(a, x, y), pixel(b, x, y), Zet8u{}, Zet8u{}, Zet8u{}, type));
+        });
         f.run(a, b, d, {256, 256}, 0, 0, type);
         ASSERT_TRUE(d.image.intact()) << type;
     }
@@ -131,14 +141,16 @@ TEST(Alpha, EveryPairOf8u) {
 TEST(Alpha, ByHand) {
     const auto over = [](int type, std::array<Zet8u, 4> a, std::array<Zet8u, 4> b) {
         std::array<Zet8u, 4> d{};
-        EXPECT_EQ(test::call("zetiAlphaComp_8u_AC4R", static_cast<const Zet8u*>(a.data()), 4, static_cast<const Zet8u*>(b.data()), 4, d.data(), 4, ZetiSize{1, 1},
-                       static_cast<ZetAlphaType>(type)), zetStsNoErr);
+        EXPECT_EQ(test::call("zetiAlphaComp_8u_AC4R", static_cast<const Zet8u*>(a.data()), 4, static_cast<const Zet8u*>(b.data()), 4,
+                             d.data(), 4, ZetiSize{1, 1}, static_cast<ZetAlphaType>(type)),
+                  zetStsNoErr);
         return d;
     };
     using Pixel = std::array<Zet8u, 4>;
     EXPECT_EQ(over(zetAlphaOver, {9, 200, 3, 255}, {50, 60, 70, 80}), (Pixel{9, 200, 3, 255}));
     EXPECT_EQ(over(zetAlphaOverPremul, {0, 0, 0, 0}, {50, 60, 70, 80}), (Pixel{50, 60, 70, 80}));
-    EXPECT_EQ(over(zetAlphaOver, {100, 200, 0, 128}, {100, 200, 255, 128}), (Pixel{74, 149, 63, 191})); // 50 + 24, 100 + 49, 0 + 63, 128 + 63
+    EXPECT_EQ(over(zetAlphaOver, {100, 200, 0, 128}, {100, 200, 255, 128}),
+              (Pixel{74, 149, 63, 191})); // 50 + 24, 100 + 49, 0 + 63, 128 + 63
     EXPECT_EQ(over(zetAlphaPlusPremul, {200, 1, 2, 200}, {100, 1, 2, 55}), (Pixel{255, 2, 4, 255}));
     const Zet8s low[2] = {-128, -128};
     Zet8s signedResult[2];
@@ -157,11 +169,13 @@ TEST(Alpha, OverlappingRows) {
             const int width = r.between(1, 40), a = 100, b = r.pick({100, 300}), d = 100 + ahead;
             for (int x = 0; x < width; ++x) {
                 Zet8u pixel[4];
-                for (int c = 0; c < 4; ++c) pixel[c] = composed(type, c == 3, expected[a + 4 * x + c], expected[a + 4 * x + 3], expected[b + 4 * x + c], expected[b + 4 * x + 3]);
+                for (int c = 0; c < 4; ++c)
+                    pixel[c] = composed(type, c == 3, expected[a + 4 * x + c], expected[a + 4 * x + 3], expected[b + 4 * x + c],
+                                        expected[b + 4 * x + 3]);
                 std::copy_n(pixel, 4, &expected[d + 4 * x]);
             }
-            test::call("zetiAlphaComp_8u_AC4R", static_cast<const Zet8u*>(&memory[a]), 0, static_cast<const Zet8u*>(&memory[b]), 0, &memory[d], 0, ZetiSize{width, 1},
-                 static_cast<ZetAlphaType>(type));
+            test::call("zetiAlphaComp_8u_AC4R", static_cast<const Zet8u*>(&memory[a]), 0, static_cast<const Zet8u*>(&memory[b]), 0,
+                       &memory[d], 0, ZetiSize{width, 1}, static_cast<ZetAlphaType>(type));
             ASSERT_EQ(memory, expected) << "type " << type << ", " << ahead << " samples ahead, width " << width;
         }
 }
@@ -173,7 +187,8 @@ TEST(Alpha, LargeDestinations) {
     Random r("large");
     for (Zet8u& v : source) v = static_cast<Zet8u>(r.bits());
     for (const int offset : {0, 1, 4, 6, 60}) {
-        test::call("zetiAlphaPremul_8u_AC4R", static_cast<const Zet8u*>(source.data()), 4 * width, memory.data() + offset, 4 * width, ZetiSize{width, height});
+        test::call("zetiAlphaPremul_8u_AC4R", static_cast<const Zet8u*>(source.data()), 4 * width, memory.data() + offset, 4 * width,
+                   ZetiSize{width, height});
         for (int i = 0; i < 4 * width * height; ++i) {
             const Zet8u v = source[i];
             ASSERT_EQ(memory[offset + i], i % 4 == 3 ? v : v * source[i | 3] / 255) << i << " at offset " << offset;
@@ -206,7 +221,9 @@ TEST(Alpha, OrderOfChecksByPairsOfErrors) {
                         const auto with = [&](auto... p) { return f.call(p..., roi, T(1), T(1), has(type) ? wrong : 0); };
                         const auto array = [&](int k) -> T* const* { return plane < 0 && has(k) ? nullptr : planes[k].data(); };
                         const auto data = [&](int k) { return has(k) ? nullptr : planes[k][0]; };
-                        EXPECT_EQ(f.layout.planar() ? with(array(0), 3, array(1), 3, array(2), 3) : with(data(0), 3, data(1), 3, data(2), 3), expected)
+                        EXPECT_EQ(f.layout.planar() ? with(array(0), 3, array(1), 3, array(2), 3)
+                                                    : with(data(0), 3, data(1), 3, data(2), 3),
+                                  expected)
                             << f.name() << ", errors " << one << " and " << two << ", plane " << plane;
                         ASSERT_TRUE(d.image.intact()) << f.name();
                     }

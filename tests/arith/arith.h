@@ -136,7 +136,7 @@ inline constexpr unsigned default_state = 0x1F80; // of MXCSR
 // One call on random images against the reference. False after a failure.
 template <class T> bool check(const Arith<T>& f, Random& r, ZetiSize size, int s, unsigned state = default_state, Checksum* sum = nullptr) {
     const bool anyStep = !f.checks_steps(), gaps = !r.chance(4);
-    const int up = anyStep && gaps ? -1 : 1, flat = anyStep && gaps ? 0 : 1; // directions that a step may point in
+    const int up = anyStep && gaps ? -1 : 1, flat = anyStep && gaps ? 0 : 1;    // directions that a step may point in
     const int flatToo = f.inPlace || sum || ownGetNumThreads() != 1 ? 1 : flat; // rows on top of each other need an order
     Image<T> a(r, size.width, size.height, f.channels(), {1, up, flat}, gaps),
         b(r, size.width, size.height, f.channels(), {1, up, flat}, gaps);

@@ -13,10 +13,13 @@ template <class T> struct Key {
     Layout layout;
     bool composes = false;
 
-    std::string name() const { return std::string(composes ? "zetiAlphaCompColorKey_" : "zetiCompColorKey_") + token<T>() + "_" + layout.name + "R"; }
+    std::string name() const {
+        return std::string(composes ? "zetiAlphaCompColorKey_" : "zetiCompColorKey_") + token<T>() + "_" + layout.name + "R";
+    }
     ZetStatus run(const T* a, int aStep, const T* b, int bStep, T* d, int dStep, ZetiSize roi, const T* key, int type) const {
         if (composes) return call(name(), a, aStep, b, bStep, d, dStep, roi, key, static_cast<ZetAlphaType>(type));
-        return layout.channels == 1 ? call(name(), a, aStep, b, bStep, d, dStep, roi, *key) : call(name(), a, aStep, b, bStep, d, dStep, roi, key);
+        return layout.channels == 1 ? call(name(), a, aStep, b, bStep, d, dStep, roi, *key)
+                                    : call(name(), a, aStep, b, bStep, d, dStep, roi, key);
     }
     // One pixel of the result.
     void compute(const T* a, const T* b, T* d, const T* key, int type) const {
@@ -37,7 +40,8 @@ template <class Use> void each_member(Use use) {
 constexpr int no_key = 2; // samples of 0 and 1 match now and then, others never
 
 template <class T> void fill(Random& r, T* p, int count, bool mayMatch) {
-    for (int i = 0; i < count; ++i) p[i] = mayMatch && !r.chance(9) ? static_cast<T>(r.chance(4)) : static_cast<T>(no_key + r.between(0, 250));
+    for (int i = 0; i < count; ++i)
+        p[i] = mayMatch && !r.chance(9) ? static_cast<T>(r.chance(4)) : static_cast<T>(no_key + r.between(0, 250));
 }
 
 template <class T> void check(const Key<T>& f, Random& r, int width, int type, Checksum& checksum) {
@@ -66,7 +70,8 @@ TEST(ColorKey, EveryMemberAtEveryWidth) {
     Checksum checksum;
     each_member([&](const auto& f) {
         Random r(f.name());
-        for (int round = 0; round < 400 && !testing::Test::HasFatalFailure(); ++round) check(f, r, round < 160 ? 1 + round % 80 : r.between(1, 300), round % 6, checksum);
+        for (int round = 0; round < 400 && !testing::Test::HasFatalFailure(); ++round)
+            check(f, r, round < 160 ? 1 + round % 80 : r.between(1, 300), round % 6, checksum);
     });
     EXPECT_TRUE(checksum.is_known("ColorKey"));
 }
@@ -101,7 +106,9 @@ TEST(ColorKey, OrderOfChecksByPairsOfErrors) {
         for (int one = 0; one < errors; ++one)
             for (int two = one; two < errors; ++two)
                 for (const int wrong : {6, 11, 12, -1, INT_MIN}) {
-                    const auto has = [&](Error e) { return (one == e || two == e) && (e != no_key_pointer || f.layout.channels > 1) && (e != type || f.composes); };
+                    const auto has = [&](Error e) {
+                        return (one == e || two == e) && (e != no_key_pointer || f.layout.channels > 1) && (e != type || f.composes);
+                    };
                     const auto bad = [&](Error e, int good) { return has(e) ? r.pick({0, -1, INT_MIN}) : good; };
                     const ZetStatus expected = has(first) || has(second) || has(destination) || has(no_key_pointer) ? zetStsNullPtrErr
                                                : has(width) || has(height)                                          ? zetStsSizeErr
@@ -109,9 +116,11 @@ TEST(ColorKey, OrderOfChecksByPairsOfErrors) {
                                                : has(type)                                                          ? zetStsAlphaTypeErr
                                                                                                                     : zetStsNoErr;
                     if (expected == zetStsNoErr) continue;
-                    EXPECT_EQ(f.run(has(first) ? nullptr : a.data(), bad(step1, a.step), has(second) ? nullptr : b.data(), bad(step2, b.step),
-                                    has(destination) ? nullptr : d.data(), bad(step3, d.step), {bad(width, 3), bad(height, 2)}, has(no_key_pointer) ? nullptr : key,
-                                    has(type) ? wrong : 0), expected) << f.name() << ", errors " << one << " and " << two;
+                    EXPECT_EQ(f.run(has(first) ? nullptr : a.data(), bad(step1, a.step), has(second) ? nullptr : b.data(),
+                                    bad(step2, b.step), has(destination) ? nullptr : d.data(), bad(step3, d.step),
+                                    {bad(width, 3), bad(height, 2)}, has(no_key_pointer) ? nullptr : key, has(type) ? wrong : 0),
+                              expected)
+                        << f.name() << ", errors " << one << " and " << two;
                     ASSERT_TRUE(d.intact()) << f.name();
                 }
     });

@@ -17,7 +17,7 @@ template <class T> struct Comparison {
     bool known() const { return tolerant || (op >= 0 && op <= 4); }
     bool holds(T a, T b) const {
         if (tolerant) return std::fabs(static_cast<Zet32f>(a - b)) <= eps;
-        const bool each[] = {a < b, a <= b, a == b, a >= b, a > b};
+        const bool each[] = {a<b, a <= b, a == b, a >= b, a> b};
         return each[op];
     }
     template <class Use> void call(const Image<T>& a, const Image<T>& b, const T* constants, Image<Zet8u>& d, ZetiSize roi, Use use) const {
@@ -47,7 +47,8 @@ template <class T> bool check(const Comparison<T>& f, Random& r, int width, int 
     for (int y = 0; y < height && f.known(); ++y)
         for (int x = 0; x < width; ++x) {
             bool all = true;
-            for (int c = 0; c < f.layout.colours; ++c) all &= f.holds(a.at(y, x * channels + c), f.constant ? constants[c] : b.at(y, x * channels + c));
+            for (int c = 0; c < f.layout.colours; ++c)
+                all &= f.holds(a.at(y, x * channels + c), f.constant ? constants[c] : b.at(y, x * channels + c));
             d.expect(y, x, all ? 255 : 0);
         }
     ZetStatus status = zetStsNoErr;
@@ -75,7 +76,8 @@ template <class Use> void each_member(Use use) {
                 for (const int op : {0, 1, 2, 3, 4, 5, -1, INT_MIN, INT_MAX}) use(Comparison<T>{false, constant, ZetCmpOp(op), 0, l});
             };
             type(Zet8u{}), type(Zet16u{}), type(Zet16s{}), type(Zet32f{});
-            for (const Zet32f eps : {0.0f, -0.0f, 1e-40f, 0.5f, 1e30f, INFINITY, NAN}) use(Comparison<Zet32f>{true, constant, zetCmpEq, eps, l});
+            for (const Zet32f eps : {0.0f, -0.0f, 1e-40f, 0.5f, 1e30f, INFINITY, NAN})
+                use(Comparison<Zet32f>{true, constant, zetCmpEq, eps, l});
         }
 }
 
@@ -101,7 +103,8 @@ TEST(Compare, OneChannelOfOnePixel) {
             Image<Zet8u> a(16, 1, l.channels, 0), b(16, 1, l.channels, 0), d(16, 1, 1, 0);
             for (int k = 0; k < 16 * l.channels; ++k) a.set(0, k, 7), b.set(0, k, k == i ? 6 : 7);
             for (int x = 0; x < 16; ++x) d.expect(0, x, x == i / l.channels && i % l.channels < l.colours ? 0 : 255);
-            const auto function = member<ZetStatus(const Zet8u*, int, const Zet8u*, int, Zet8u*, int, ZetiSize, ZetCmpOp)>(std::string("zetiCompare_8u_") + l.name + "R");
+            const auto function = member<ZetStatus(const Zet8u*, int, const Zet8u*, int, Zet8u*, int, ZetiSize, ZetCmpOp)>(
+                std::string("zetiCompare_8u_") + l.name + "R");
             EXPECT_EQ(function(a.data(), 64, b.data(), 64, d.data(), 16, ZetiSize{16, 1}, zetCmpEq), zetStsNoErr);
             ASSERT_TRUE(d.intact()) << l.name << ", sample " << i;
         }
@@ -122,11 +125,13 @@ TEST(Compare, OrderOfChecks) {
             if constexpr (std::is_same_v<std::tuple_element_t<last, Arguments>, ZetCmpOp>) {
                 for (const int bad : {-1, 5}) errors.push_back({zetStsNoErr, [=](Arguments& v) { std::get<last>(v) = ZetCmpOp(bad); }});
             } else {
-                for (const float bad : {-1e-45f, -1.0f, -INFINITY}) errors.push_back({zetStsEpsValErr, [=](Arguments& v) { std::get<last>(v) = bad; }});
+                for (const float bad : {-1e-45f, -1.0f, -INFINITY})
+                    errors.push_back({zetStsEpsValErr, [=](Arguments& v) { std::get<last>(v) = bad; }});
             }
             for (const unsigned state : {0x1F80U, 0x9FC0U}) { // denormals as zeros: a negative one is negative all the same
                 _mm_setcsr(state);
-                expect_order(f.name(), call, {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr, zetStsEpsValErr, zetStsNoErr}, errors, [&] { return d.intact(); });
+                expect_order(f.name(), call, {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr, zetStsEpsValErr, zetStsNoErr}, errors,
+                             [&] { return d.intact(); });
                 _mm_setcsr(0x1F80);
             }
         });

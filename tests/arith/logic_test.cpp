@@ -60,7 +60,10 @@ template <class T> struct Shift {
         const Zet32u bits = 8 * sizeof(T), one = r.between(0, bits + 1);
         const int kind = r.between(0, 5);
         for (Zet32u& n : counts)
-            n = kind == 0 ? one : kind == 1 ? bits + r.between(0, 1) : r.pick<Zet32u>({0, bits - 1, bits, bits + 32, 1u << 31, ~0u, Zet32u(r.between(0, bits - 1)), Zet32u(r.between(0, bits - 1))});
+            n = kind == 0   ? one
+                : kind == 1 ? bits + r.between(0, 1)
+                            : r.pick<Zet32u>({0, bits - 1, bits, bits + 32, 1u << 31, ~0u, Zet32u(r.between(0, bits - 1)),
+                                              Zet32u(r.between(0, bits - 1))});
     }
     T expected(T, T v, int c) const { // one bit at a time
         std::int64_t x = v;
@@ -113,7 +116,8 @@ template <class T> void every_shift(bool left) {
         for (int n = 0; n <= bits + 2; ++n) {
             const Shift<T> f{left, l, false, {Zet32u(n), Zet32u(bits - 1 - n % bits), Zet32u(n), Zet32u(n + 1)}};
             for (int i = 0; i < samples; ++i) d.expect(0, i, f.expected(0, b.at(0, i), i % l.channels));
-            f.call({nullptr, 0, b.data(), samples * bits, d.data(), samples * bits, {samples / l.channels, 1}}, [&](auto... a) { member<ZetStatus(decltype(a)...)>(f.name())(a...); });
+            f.call({nullptr, 0, b.data(), samples * bits, d.data(), samples * bits, {samples / l.channels, 1}},
+                   [&](auto... a) { member<ZetStatus(decltype(a)...)>(f.name())(a...); });
             ASSERT_TRUE(d.intact()) << f.name() << ' ' << f.parameters();
         }
 }
@@ -130,13 +134,15 @@ TEST(Complement, SignAndMagnitude) {
         d.set(0, 0, -1), d.set(1, 0, INT_MIN), d.set(2, 0, INT_MIN + 1);
         for (int y = 0; y < 3; ++y)
             for (int x = 0; x < width; ++x)
-                if (const std::int64_t v = d.at(y, x); v < 0 && v != INT_MIN) d.expect(y, x, static_cast<Zet32s>(0x80000000u + static_cast<std::uint32_t>(-v)));
+                if (const std::int64_t v = d.at(y, x); v < 0 && v != INT_MIN)
+                    d.expect(y, x, static_cast<Zet32s>(0x80000000u + static_cast<std::uint32_t>(-v)));
         EXPECT_EQ(function(d.data(), d.step, ZetiSize{width, 3}), zetStsNoErr);
         ASSERT_TRUE(d.intact());
     }
     Image<Zet32s> d(r, 3, 2, 1);
     const std::tuple call(d.data(), int{d.step}, ZetiSize{3, 2});
-    expect_order("zetiComplement_32s_C1IR", call, {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}, common_errors(call), [&] { return d.intact(); });
+    expect_order("zetiComplement_32s_C1IR", call, {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}, common_errors(call),
+                 [&] { return d.intact(); });
 }
 
 } // namespace

@@ -28,7 +28,9 @@ template <class T> struct Images {
 };
 
 // One constant by value on C1, else a pointer to the constants.
-template <class V, class Use> void by_layout(const PixelLayout& l, const V* constants, Use use) { l.channels == 1 ? use(*constants) : use(constants); }
+template <class V, class Use> void by_layout(const PixelLayout& l, const V* constants, Use use) {
+    l.channels == 1 ? use(*constants) : use(constants);
+}
 
 // A family F has: type, layout, inPlace, name(), order(), prepare(random) for its parameters, expected(a, b, channel), and
 // call(images, use), which hands the arguments of one call to `use`.

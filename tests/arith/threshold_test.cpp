@@ -17,7 +17,10 @@ template <class T> struct Thresholding {
     bool inPlace;
     T low[4], lowValue[4], high[4], highValue[4];
 
-    std::string name() const { return std::string("zetiThreshold") + form_names[static_cast<int>(form)] + "_" + token<T>() + "_" + layout.name + (inPlace ? "IR" : "R"); }
+    std::string name() const {
+        return std::string("zetiThreshold") + form_names[static_cast<int>(form)] + "_" + token<T>() + "_" + layout.name +
+               (inPlace ? "IR" : "R");
+    }
     std::string parameters() const { return text(low[0]) + ", " + text(lowValue[0]) + ", " + text(high[0]) + ", " + text(highValue[0]); }
     bool has_operator() const { return form == Form::by_operator || form == Form::Val; }
 
@@ -30,7 +33,7 @@ template <class T> struct Thresholding {
         }
     }
     T expected(T, T v, int c) const {
-        const bool below = v < low[c], above = v > low[c]; // the forms with one bound have it in `low`
+        const bool below = v<low[c], above = v> low[c]; // the forms with one bound have it in `low`
         switch (form) {
         case Form::by_operator: return (op == zetCmpLess ? below : above) ? low[c] : v;
         case Form::GT: return above ? low[c] : v;
@@ -42,13 +45,17 @@ template <class T> struct Thresholding {
         }
     }
     template <class Use> void call(const Images<T>& i, Use use) const {
-        const auto images = [&](auto... parameters) { inPlace ? use(i.d, i.dStep, i.roi, parameters...) : use(i.b, i.bStep, i.d, i.dStep, i.roi, parameters...); };
+        const auto images = [&](auto... parameters) {
+            inPlace ? use(i.d, i.dStep, i.roi, parameters...) : use(i.b, i.bStep, i.d, i.dStep, i.roi, parameters...);
+        };
         const auto with = [&](auto t, auto v, auto t2, auto v2) {
             switch (form) {
             case Form::by_operator: return images(t, op);
             case Form::Val: return images(t, v, op);
-            case Form::GT: case Form::LT: return images(t);
-            case Form::GTVal: case Form::LTVal: return images(t, v);
+            case Form::GT:
+            case Form::LT: return images(t);
+            case Form::GTVal:
+            case Form::LTVal: return images(t, v);
             default: return images(t, v, t2, v2);
             }
         };
@@ -63,7 +70,8 @@ template <class T> struct Thresholding {
         using Arguments = std::tuple<A...>;
         constexpr std::size_t last = sizeof...(A) - 1;
         if constexpr (std::is_same_v<std::tuple_element_t<last, Arguments>, ZetCmpOp>) {
-            for (const int bad : {-1, 1, 2, 3, 5, INT_MAX}) errors.push_back({zetStsNotSupportedModeErr, [=](Arguments& a) { std::get<last>(a) = ZetCmpOp(bad); }});
+            for (const int bad : {-1, 1, 2, 3, 5, INT_MAX})
+                errors.push_back({zetStsNotSupportedModeErr, [=](Arguments& a) { std::get<last>(a) = ZetCmpOp(bad); }});
         } else if (form == Form::LTValGTVal) {
             if constexpr (last >= 4)
                 if constexpr (std::is_same_v<std::tuple_element_t<last - 3, Arguments>, std::tuple_element_t<last - 1, Arguments>>) {
@@ -71,7 +79,8 @@ template <class T> struct Thresholding {
                     crossed[layout.colours - 1] = 0; // on one channel
                     errors.push_back({zetStsThresholdErr, [this](Arguments& a) {
                                           auto &t = std::get<last - 3>(a), &t2 = std::get<last - 1>(a);
-                                          if constexpr (std::is_pointer_v<std::decay_t<decltype(t)>>) t = t ? uncrossed.data() : t, t2 = t2 ? crossed.data() : t2;
+                                          if constexpr (std::is_pointer_v<std::decay_t<decltype(t)>>)
+                                              t = t ? uncrossed.data() : t, t2 = t2 ? crossed.data() : t2;
                                           else t = 1, t2 = 0;
                                       }});
                 }
@@ -87,7 +96,8 @@ template <class Use> void each_member(Use use) {
                 for (const Form form : {Form::by_operator, Form::GT, Form::LT, Form::Val, Form::GTVal, Form::LTVal, Form::LTValGTVal}) {
                     if (std::string(l.name) == "C4" && form != Form::GTVal && form != Form::LTVal) continue;
                     use(Thresholding<T>{form, zetCmpLess, l, inPlace, {}, {}, {}, {}, {}, {}});
-                    if (form == Form::by_operator || form == Form::Val) use(Thresholding<T>{form, zetCmpGreater, l, inPlace, {}, {}, {}, {}, {}, {}});
+                    if (form == Form::by_operator || form == Form::Val)
+                        use(Thresholding<T>{form, zetCmpGreater, l, inPlace, {}, {}, {}, {}, {}, {}});
                 }
             };
             type(Zet8u{}), type(Zet16u{}), type(Zet16s{}), type(Zet32f{});
@@ -114,12 +124,16 @@ TEST(Threshold, LargeDestinations) {
 TEST(Threshold, FloatsKeepTheirBits) {
     const auto run = [](Zet32u bits, Zet32f low, Zet32f high) {
         Zet32u got = 0;
-        const auto function = member<ZetStatus(const Zet32f*, int, Zet32f*, int, ZetiSize, Zet32f, Zet32f, Zet32f, Zet32f)>("zetiThreshold_LTValGTVal_32f_C1R");
+        const auto function = member<ZetStatus(const Zet32f*, int, Zet32f*, int, ZetiSize, Zet32f, Zet32f, Zet32f, Zet32f)>(
+            "zetiThreshold_LTValGTVal_32f_C1R");
         const auto clamp = member<ZetStatus(const Zet32f*, int, Zet32f*, int, ZetiSize, Zet32f, ZetCmpOp)>("zetiThreshold_32f_C1R");
-        EXPECT_EQ(function(reinterpret_cast<Zet32f*>(&bits), 4, reinterpret_cast<Zet32f*>(&got), 4, ZetiSize{1, 1}, low, 1, high, 1), zetStsNoErr);
+        EXPECT_EQ(function(reinterpret_cast<Zet32f*>(&bits), 4, reinterpret_cast<Zet32f*>(&got), 4, ZetiSize{1, 1}, low, 1, high, 1),
+                  zetStsNoErr);
         EXPECT_EQ(got, bits);
         for (const ZetCmpOp op : {zetCmpLess, zetCmpGreater}) {
-            EXPECT_EQ(clamp(reinterpret_cast<Zet32f*>(&bits), 4, reinterpret_cast<Zet32f*>(&got), 4, ZetiSize{1, 1}, op == zetCmpLess ? low : high, op), zetStsNoErr);
+            EXPECT_EQ(clamp(reinterpret_cast<Zet32f*>(&bits), 4, reinterpret_cast<Zet32f*>(&got), 4, ZetiSize{1, 1},
+                            op == zetCmpLess ? low : high, op),
+                      zetStsNoErr);
             EXPECT_EQ(got, bits);
         }
     };
@@ -129,15 +143,17 @@ TEST(Threshold, FloatsKeepTheirBits) {
     run(0x3F800000, NAN, NAN);
     Zet32f sample = 0;
     _mm_setcsr(0x9FC0);
-    const ZetStatus status =
-        member<ZetStatus(Zet32f*, int, ZetiSize, Zet32f, Zet32f, Zet32f, Zet32f)>("zetiThreshold_LTValGTVal_32f_C1IR")(&sample, 4, ZetiSize{1, 1}, 2e-40f, 0.0f, 1e-40f, 0.0f);
+    const ZetStatus status = member<ZetStatus(Zet32f*, int, ZetiSize, Zet32f, Zet32f, Zet32f, Zet32f)>("zetiThreshold_LTValGTVal_32f_C1IR")(
+        &sample, 4, ZetiSize{1, 1}, 2e-40f, 0.0f, 1e-40f, 0.0f);
     _mm_setcsr(0x1F80);
     EXPECT_EQ(status, zetStsThresholdErr);
 }
 
 // --- Otsu ---------------------------------------------------------------------------------------------------------
 
-const auto otsu = [](const Zet8u* p, int step, ZetiSize roi, Zet8u* t) { return member<ZetStatus(const Zet8u*, int, ZetiSize, Zet8u*)>("zetiComputeThreshold_Otsu_8u_C1R")(p, step, roi, t); };
+const auto otsu = [](const Zet8u* p, int step, ZetiSize roi, Zet8u* t) {
+    return member<ZetStatus(const Zet8u*, int, ZetiSize, Zet8u*)>("zetiComputeThreshold_Otsu_8u_C1R")(p, step, roi, t);
+};
 
 // The rule, step by step.
 Zet8u reference(const Image<Zet8u>& image) {
@@ -164,11 +180,13 @@ TEST(Otsu, FollowsTheRule) {
     Random r("Otsu");
     Checksum sum;
     for (int i = 0; i < 600; ++i) {
-        const int width = i < 80 ? 1 + i % 40 : r.between(1, 200), modes = r.between(1, 4), mode[4] = {r.between(0, 255), r.between(0, 255), r.between(0, 255), r.between(0, 255)};
+        const int width = i < 80 ? 1 + i % 40 : r.between(1, 200), modes = r.between(1, 4),
+                  mode[4] = {r.between(0, 255), r.between(0, 255), r.between(0, 255), r.between(0, 255)};
         Image<Zet8u> image(r, width, r.between(1, 40), 1);
         const int spread = r.pick({0, 1, 10, 60, 255});
         for (int y = 0; y < image.height; ++y)
-            for (int x = 0; x < width; ++x) image.set(y, x, static_cast<Zet8u>(std::clamp(mode[r.between(0, modes - 1)] + r.between(-spread, spread), 0, 255)));
+            for (int x = 0; x < width; ++x)
+                image.set(y, x, static_cast<Zet8u>(std::clamp(mode[r.between(0, modes - 1)] + r.between(-spread, spread), 0, 255)));
         Zet8u got = 77;
         _mm_setcsr(i % 2 ? 0xFFC0 : 0x1F80);
         const ZetStatus status = otsu(image.data(), image.step, {width, image.height}, &got);
@@ -204,7 +222,9 @@ TEST(Otsu, ByHand) {
         for (const auto& two : errors) { // any step is wide enough for a width below 1
             auto spoiled = call;
             one.spoil(spoiled), two.spoil(spoiled);
-            EXPECT_EQ(std::apply(otsu, spoiled), std::max({one.status, two.status}, [](int a, int b) { return (a == -8 ? 0 : a == -6 ? 1 : 2) > (b == -8 ? 0 : b == -6 ? 1 : 2); }));
+            EXPECT_EQ(std::apply(otsu, spoiled), std::max({one.status, two.status}, [](int a, int b) {
+                          return (a == -8 ? 0 : a == -6 ? 1 : 2) > (b == -8 ? 0 : b == -6 ? 1 : 2);
+                      }));
         }
     EXPECT_EQ(got, 77);
 }

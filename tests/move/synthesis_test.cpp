@@ -238,7 +238,7 @@ TEST(Synthesis, NoiseIsSound) {
             double chi = 0;
             for (const int b : bins) chi += (b - count / 32) * (b - count / 32) / (count / 32);
             EXPECT_LT(chi, 70) << gauss; // 31 degrees of freedom
-            double power[64] = {}; // of the lowest frequencies of the first 64 columns, mean 1
+            double power[64] = {};       // of the lowest frequencies of the first 64 columns, mean 1
             for (int row = 0; row < 256; ++row)
                 for (int f = 1; f < 64; ++f) {
                     std::complex<double> bin = 0;

@@ -20,13 +20,19 @@ template <class T> struct Count {
 
     ZetStatus run() const {
         if (layout.one()) return member<ZetStatus(const T*, int, ZetiSize, Zet32s*, T, T)>(name)(src, srcStep, roi, counts, *lower, *upper);
-        return member<ZetStatus(const T*, int, ZetiSize, Zet32s*, const T*, const T*)>(name)(src, srcStep, roi, counts, noLower ? nullptr : lower, noUpper ? nullptr : upper);
+        return member<ZetStatus(const T*, int, ZetiSize, Zet32s*, const T*, const T*)>(name)(
+            src, srcStep, roi, counts, noLower ? nullptr : lower, noUpper ? nullptr : upper);
     }
     Spoilers<Count> errors() const { // the step before the size
-        Spoilers<Count> e = {{zetStsNullPtrErr, [](Count& c) { c.src = nullptr; }}, {zetStsNullPtrErr, [](Count& c) { c.counts = nullptr; }}};
-        if (!layout.one()) e.push_back({zetStsNullPtrErr, [](Count& c) { c.noLower = true; }}), e.push_back({zetStsNullPtrErr, [](Count& c) { c.noUpper = true; }});
+        Spoilers<Count> e = {{zetStsNullPtrErr, [](Count& c) { c.src = nullptr; }},
+                             {zetStsNullPtrErr, [](Count& c) { c.counts = nullptr; }}};
+        if (!layout.one())
+            e.push_back({zetStsNullPtrErr, [](Count& c) { c.noLower = true; }}),
+                e.push_back({zetStsNullPtrErr, [](Count& c) { c.noUpper = true; }});
         for (const int bad : {0, -1, INT_MIN}) e.push_back({zetStsStepErr, [=](Count& c) { c.srcStep = bad; }});
-        for (const int bad : {0, -1, INT_MIN}) e.push_back({zetStsSizeErr, [=](Count& c) { c.roi.width = bad; }}), e.push_back({zetStsSizeErr, [=](Count& c) { c.roi.height = bad; }});
+        for (const int bad : {0, -1, INT_MIN})
+            e.push_back({zetStsSizeErr, [=](Count& c) { c.roi.width = bad; }}),
+                e.push_back({zetStsSizeErr, [=](Count& c) { c.roi.height = bad; }});
         for (int k = 0; k < layout.colours; ++k) e.push_back({zetStsRangeErr, [=](Count& c) { c.lower[k] = 6, c.upper[k] = 5; }});
         return e;
     }
@@ -41,10 +47,12 @@ template <class T> void check(Count<T>& f, const Image<T>& image) {
     for (int c = 0; c < f.layout.colours; ++c) expected[c] = 0;
     for (int y = 0; y < image.height; ++y)
         for (int i = 0; i < image.row_samples(); ++i)
-            if (const int c = i % image.channels; c < f.layout.colours) expected[c] += image.at(y, i) >= f.lower[c] && image.at(y, i) <= f.upper[c];
+            if (const int c = i % image.channels; c < f.layout.colours)
+                expected[c] += image.at(y, i) >= f.lower[c] && image.at(y, i) <= f.upper[c];
     f.src = image.data(), f.srcStep = image.step, f.roi = {image.width, image.height}, f.counts = got;
     ASSERT_EQ(f.run(), zetStsNoErr);
-    for (int c = 0; c < 4; ++c) ASSERT_EQ(got[c], expected[c]) << f.name << ", channel " << c << ", " << image.width << " x " << image.height;
+    for (int c = 0; c < 4; ++c)
+        ASSERT_EQ(got[c], expected[c]) << f.name << ", channel " << c << ", " << image.width << " x " << image.height;
 }
 
 TEST(CountInRange, EveryMemberAtEveryWidth) {
@@ -56,11 +64,13 @@ TEST(CountInRange, EveryMemberAtEveryWidth) {
             for (int c = 0; c < 3; ++c) {
                 f.lower[c] = r.sample<T>(Random::mixed, c), f.upper[c] = r.chance(3) ? f.lower[c] : r.sample<T>(Random::mixed, c);
                 if (f.upper[c] < f.lower[c]) std::swap(f.lower[c], f.upper[c]);
-                image.set(0, r.between(0, width - 1) * f.layout.channels + (c < f.layout.colours ? c : 0), f.lower[c < f.layout.colours ? c : 0]);
+                image.set(0, r.between(0, width - 1) * f.layout.channels + (c < f.layout.colours ? c : 0),
+                          f.lower[c < f.layout.colours ? c : 0]);
             }
             check(f, image);
         }
-        Image<T> large(1500, 70, f.layout.channels, 1500 * f.layout.channels * static_cast<int>(sizeof(T))); // 8-bit lanes would wrap many times
+        Image<T> large(1500, 70, f.layout.channels,
+                       1500 * f.layout.channels * static_cast<int>(sizeof(T))); // 8-bit lanes would wrap many times
         for (int c = 0; c < 3; ++c) f.lower[c] = 0, f.upper[c] = 9;
         for (int y = 0; y < 70; ++y)
             for (int i = 0; i < large.row_samples(); ++i) large.set(y, i, static_cast<T>(i % 11));

@@ -11,7 +11,8 @@ template <class T> struct Histogram : TableCall<T> {
     std::vector<V> edges[4];
     std::vector<Zet32s> got[4];
 
-    Histogram(bool even, TableLayout l) : TableCall<T>(even ? TableCall<T>::even : TableCall<T>::range, even ? "HistogramEven" : "HistogramRange", l) {}
+    Histogram(bool even, TableLayout l)
+        : TableCall<T>(even ? TableCall<T>::even : TableCall<T>::range, even ? "HistogramEven" : "HistogramRange", l) {}
 
     // The levels of channel c; a count behind the last bin must stay as it is.
     void use(int c, const std::vector<V>& levels) {
@@ -38,7 +39,8 @@ template <class T> struct Histogram : TableCall<T> {
                         expected[k] += v >= edges[c][k] && v < edges[c][k + 1];
                     }
             }
-            ASSERT_EQ(got[c], expected) << this->name << ", channel " << c << ", " << edges[c].size() << " levels, " << image.width << " x " << image.height;
+            ASSERT_EQ(got[c], expected) << this->name << ", channel " << c << ", " << edges[c].size() << " levels, " << image.width << " x "
+                                        << image.height;
         }
         EXPECT_TRUE(image.intact());
     }
@@ -65,7 +67,8 @@ template <class T> void fill(Random& r, Image<T>& image, const std::vector<typen
         for (int i = 0; i < image.row_samples(); ++i) {
             const auto level = levels[r.between(0, static_cast<int>(levels.size()) - 1)];
             const bool fits = level > std::numeric_limits<T>::lowest() && level < std::numeric_limits<T>::max();
-            image.set(y, i, r.chance(4) || !fits ? r.sample<T>(Random::mixed, i) : static_cast<T>(level + static_cast<T>(r.between(-1, 1))));
+            image.set(y, i,
+                      r.chance(4) || !fits ? r.sample<T>(Random::mixed, i) : static_cast<T>(level + static_cast<T>(r.between(-1, 1))));
         }
 }
 
@@ -91,7 +94,8 @@ struct BreakEven {
     int side, levels;
 };
 constexpr BreakEven ascending[] = {{80, 134}, {96, 78}, {112, 50}, {128, 34}, {144, 22}, {160, 6}, {192, 2}};
-constexpr BreakEven unsorted[] = {{32, 434}, {48, 222}, {64, 126}, {80, 78}, {96, 50}, {112, 34}, {128, 22}, {144, 14}, {160, 10}, {176, 6}, {208, 2}};
+constexpr BreakEven unsorted[] = {{32, 434}, {48, 222}, {64, 126}, {80, 78}, {96, 50}, {112, 34},
+                                  {128, 22}, {144, 14}, {160, 10}, {176, 6}, {208, 2}};
 
 template <class T, std::size_t N> void check_break_even(const BreakEven (&table)[N], bool sorted) {
     for (std::size_t i = 0; i < N; ++i)
@@ -104,7 +108,8 @@ template <class T, std::size_t N> void check_break_even(const BreakEven (&table)
                 Image<T> image(r, side - less, side + less, l.channels);
                 const int n = std::max(2, table[i].levels + more);
                 for (int c = 0; c < l.colours; ++c) h.use(c, random_levels<T>(r, n, true));
-                const int chosen = l.colours - 1; // the others have two levels that ascend: of their own they go direct on the largest alone
+                const int chosen =
+                    l.colours - 1; // the others have two levels that ascend: of their own they go direct on the largest alone
                 for (int c = 0; c < chosen; ++c) h.use(c, {0, 9});
                 if (!sorted) std::swap(h.edges[chosen][0], h.edges[chosen][n / 2]), std::swap(h.edges[chosen][n - 1], h.edges[chosen][0]);
                 fill(r, image, h.edges[chosen]);
@@ -155,8 +160,8 @@ TEST(HistogramRange, ByHand) {
         EXPECT_EQ(h.count(floats), zetStsNoErr);
         return h.got[0];
     };
-    EXPECT_EQ(counts({0, 5, 10}), (std::vector<Zet32s>{1, 1, 77}));      // the last level and NaN are in no bin
-    EXPECT_EQ(counts({0, NAN, 10}), (std::vector<Zet32s>{0, 2, 77}));    // NaN passes for ascending: the search goes past it
+    EXPECT_EQ(counts({0, 5, 10}), (std::vector<Zet32s>{1, 1, 77}));          // the last level and NaN are in no bin
+    EXPECT_EQ(counts({0, NAN, 10}), (std::vector<Zet32s>{0, 2, 77}));        // NaN passes for ascending: the search goes past it
     EXPECT_EQ(counts({0, NAN, 10, 10}), (std::vector<Zet32s>{0, 0, 0, 77})); // every bin by itself
 }
 
@@ -178,7 +183,8 @@ TEST(Histogram, OrderOfChecksAndRefusals) {
                 expect_sequence(static_cast<const TableCall<T>&>(h), h.errors(), intact);
                 const auto zero = [&] {
                     for (int c = 0; c < l.colours; ++c)
-                        if (std::any_of(h.got[c].begin(), h.got[c].end() - 1, [](int n) { return n != 0; }) || h.got[c][99] != 55) return false;
+                        if (std::any_of(h.got[c].begin(), h.got[c].end() - 1, [](int n) { return n != 0; }) || h.got[c][99] != 55)
+                            return false;
                     return true;
                 };
                 EXPECT_EQ(refuse_each(h, zero), sizeof(T) == 2);
@@ -191,7 +197,8 @@ TEST(Histogram, OrderOfChecksAndRefusals) {
 std::vector<Zet32s> even_levels(Zet32s lower, Zet32s upper, int n) {
     const long long difference = static_cast<long long>(upper) - lower, q = difference / (n - 1), rest = difference % (n - 1);
     std::vector<Zet32s> levels(n);
-    for (int k = 0; k < n; ++k) levels[k] = static_cast<Zet32s>(lower + q * k + (rest < 0 ? -std::min<long long>(k, -rest) : std::min<long long>(k, rest)));
+    for (int k = 0; k < n; ++k)
+        levels[k] = static_cast<Zet32s>(lower + q * k + (rest < 0 ? -std::min<long long>(k, -rest) : std::min<long long>(k, rest)));
     return levels;
 }
 
@@ -208,7 +215,8 @@ TEST(HistogramEven, LevelsAndCounts) {
                     const int range = sizeof(T) == 1 ? 300 : 70000, q = r.pick({0, 1, -3, r.between(1, 2 * range / n + 1)});
                     h.lower[c] = r.pick({r.between(-range, range), r.between(-9, 9), i % 8 < 6 ? 0 : INT_MIN});
                     const int toZero = 16909320 / (n - 1) * 127; // a width of bins that reach from the least int to the samples
-                    h.upper[c] = exact ? h.lower[c] + (h.lower[c] == INT_MIN ? toZero : q) * (n - 1) : r.pick({INT_MAX, INT_MIN, r.between(-range, range)});
+                    h.upper[c] = exact ? h.lower[c] + (h.lower[c] == INT_MIN ? toZero : q) * (n - 1)
+                                       : r.pick({INT_MAX, INT_MIN, r.between(-range, range)});
                     expected[c] = even_levels(h.lower[c], h.upper[c], n);
                     h.use(c, std::vector<Zet32s>(n, 12345));
                 }
@@ -216,7 +224,8 @@ TEST(HistogramEven, LevelsAndCounts) {
                 fill(r, image, expected[0]);
                 standin_reset();
                 ASSERT_EQ(h.count(image), zetStsNoErr);
-                for (int c = 0; c < l.colours; ++c) ASSERT_EQ(h.edges[c], expected[c]) << h.name << " " << h.lower[c] << " to " << h.upper[c];
+                for (int c = 0; c < l.colours; ++c)
+                    ASSERT_EQ(h.edges[c], expected[c]) << h.name << " " << h.lower[c] << " to " << h.upper[c];
                 EXPECT_TRUE(standin_allocations() == 0 || !exact || large);
                 h.expect_counts(image); // against the levels that it wrote, and writes again
             }

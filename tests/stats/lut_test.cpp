@@ -23,7 +23,8 @@ template <class V> double lagrange(const V* x, const V* y, double at) {
 }
 
 template <class T> T saturated(double v) {
-    return static_cast<T>(std::trunc(std::clamp(v, static_cast<double>(std::numeric_limits<T>::lowest()), static_cast<double>(std::numeric_limits<T>::max()))));
+    return static_cast<T>(std::trunc(
+        std::clamp(v, static_cast<double>(std::numeric_limits<T>::lowest()), static_cast<double>(std::numeric_limits<T>::max()))));
 }
 
 template <class T> struct Lut : TableCall<T> {
@@ -54,7 +55,8 @@ template <class T> struct Lut : TableCall<T> {
         use(c, at, values);
     }
     void run_on(const Image<T>& from, const Image<T>& to) {
-        this->src = from.data(), this->srcStep = from.step, this->dst = to.data(), this->dstStep = to.step, this->roi = {from.width, from.height};
+        this->src = from.data(), this->srcStep = from.step, this->dst = to.data(), this->dstStep = to.step,
+        this->roi = {from.width, from.height};
         ASSERT_EQ(this->run(), zetStsNoErr) << this->name;
     }
 
@@ -74,7 +76,8 @@ private:
         std::pair<T, T> result = {v, v};
         for (int k = 0; k + 1 < static_cast<int>(x[c].size()); ++k) {
             const auto from = x[c][k], to = x[c][k + 1];
-            const int first = std::clamp<int>(from, low, curve == Curve::steps ? high + 1 : high), last = std::clamp<int>(to, low, high + 1); // last: behind
+            const int first = std::clamp<int>(from, low, curve == Curve::steps ? high + 1 : high),
+                      last = std::clamp<int>(to, low, high + 1); // last: behind
             if (to <= from || v < first || v >= last) continue;
             const double value = static_cast<double>(y[c][k]);
             if (curve == Curve::steps || last - first == 1) {
@@ -96,7 +99,8 @@ private:
             if (curve == Curve::steps) return {value, value};
             if (lines()) {
                 const T t = v - from;
-                const T one = static_cast<T>(double{t} * ((double{y[c][k + 1]} - double{value}) / (double{to} - double{from})) + double{value});
+                const T one =
+                    static_cast<T>(double{t} * ((double{y[c][k + 1]} - double{value}) / (double{to} - double{from})) + double{value});
                 return {one, one};
             }
             const double exact = lagrange(at4(c, k), value4(c, k), double{v}), error = 1e-6 * (1 + std::fabs(exact));
@@ -110,7 +114,8 @@ template <class Use> void each_member(Use use) {
     for (const Curve k : {Curve::steps, Curve::linear, Curve::cubic})
         for (const TableLayout& l : table_layouts)
             for (const bool inPlace : {false, true})
-                use(Lut<Zet8u>(k, l, inPlace)), use(Lut<Zet16u>(k, l, inPlace)), use(Lut<Zet16s>(k, l, inPlace)), use(Lut<Zet32f>(k, l, inPlace));
+                use(Lut<Zet8u>(k, l, inPlace)), use(Lut<Zet16u>(k, l, inPlace)), use(Lut<Zet16s>(k, l, inPlace)),
+                    use(Lut<Zet32f>(k, l, inPlace));
 }
 
 // Runs a member on an image and compares every sample.
@@ -191,7 +196,8 @@ TEST(Lut, OrderOfChecksAndRefusals) {
 }
 
 // What one sample of a C1 image becomes.
-template <class T> T one(Curve k, const std::vector<typename TableCall<T>::V>& levels, const std::vector<typename TableCall<T>::V>& values, T v) {
+template <class T>
+T one(Curve k, const std::vector<typename TableCall<T>::V>& levels, const std::vector<typename TableCall<T>::V>& values, T v) {
     Lut<T> f(k, table_layouts[0], false);
     Image<T> src(1, 1, 1, sizeof(T)), dst(1, 1, 1, sizeof(T));
     src.set(0, 0, v);
@@ -201,10 +207,12 @@ template <class T> T one(Curve k, const std::vector<typename TableCall<T>::V>& l
 }
 
 TEST(Lut, ByHand) {
-    const auto linear = [](const std::vector<int>& levels, const std::vector<int>& values, int v) { return int{one<Zet8u>(Curve::linear, levels, values, static_cast<Zet8u>(v))}; };
-    EXPECT_EQ(linear({10, 20}, {0, 5}, 11), 1);    // 0.5 goes up
-    EXPECT_EQ(linear({0, 100}, {-1, -1}, 50), 0);  // -0.5 towards zero
-    EXPECT_EQ(linear({-5, 1}, {100, 0}, 0), 100);  // one sample is left: no line
+    const auto linear = [](const std::vector<int>& levels, const std::vector<int>& values, int v) {
+        return int{one<Zet8u>(Curve::linear, levels, values, static_cast<Zet8u>(v))};
+    };
+    EXPECT_EQ(linear({10, 20}, {0, 5}, 11), 1);   // 0.5 goes up
+    EXPECT_EQ(linear({0, 100}, {-1, -1}, 50), 0); // -0.5 towards zero
+    EXPECT_EQ(linear({-5, 1}, {100, 0}, 0), 100); // one sample is left: no line
     EXPECT_EQ(linear({0, 256, 400}, {0, 128, 7}, 254), 127);
     EXPECT_EQ(linear({0, 256, 300, 400}, {0, 128, 33, 7}, 255), 33); // of intervals above all samples the last decides about 255
     EXPECT_EQ(int{one<Zet16s>(Curve::linear, {32768, 40000}, {5, 6}, 32767)}, 5);
@@ -214,7 +222,8 @@ TEST(Lut, ByHand) {
     EXPECT_EQ(int{one<Zet8u>(Curve::steps, {10, 20, 30}, {300, -4, 9}, 30)}, 30);
 
     const std::vector<int> levels = {10, 70, 200}, values = {40, 5, 230};
-    for (int v = 0; v < 256; ++v) EXPECT_EQ(int{one<Zet8u>(Curve::cubic, levels, values, static_cast<Zet8u>(v))}, linear(levels, values, v));
+    for (int v = 0; v < 256; ++v)
+        EXPECT_EQ(int{one<Zet8u>(Curve::cubic, levels, values, static_cast<Zet8u>(v))}, linear(levels, values, v));
     for (int v = 0; v < 200; ++v) // a cubic goes through its points
         EXPECT_EQ(int{one<Zet8u>(Curve::cubic, {0, 50, 100, 200}, {0, 15, 125, 216}, static_cast<Zet8u>(v))} == 125, v == 100) << v;
 

@@ -57,8 +57,8 @@ template <class T> struct TableCall {
         if (layout.one()) return with(*bins, *levels, const_cast<V*>(*levels), *values, *counts, *lower, *upper);
         V* const written[4] = {const_cast<V*>(levels[0]), const_cast<V*>(levels[1]), const_cast<V*>(levels[2]), const_cast<V*>(levels[3])};
         const auto array = [](auto* p, bool missing) { return missing ? nullptr : p; };
-        return with(array(bins, noBins), array(levels, noLevels), array(written, noLevels), array(values, noValues), array(counts, noCounts), array(lower, noLower),
-                    array(upper, noUpper));
+        return with(array(bins, noBins), array(levels, noLevels), array(written, noLevels), array(values, noValues),
+                    array(counts, noCounts), array(lower, noLower), array(upper, noUpper));
     }
 
     // In the order of the checks. Channel by channel on several channels, before size and steps.
@@ -79,7 +79,8 @@ template <class T> struct TableCall {
                 e.push_back({zetStsSizeErr, [=](TableCall& c) { c.roi.width = bad; }});
                 e.push_back({zetStsSizeErr, [=](TableCall& c) { c.roi.height = bad; }});
             }
-            for (const int bad : {0, -1, INT_MIN}) e.push_back({zetStsStepErr, [=](TableCall& c) { c.dstStep = c.form == lut_in_place ? bad : c.dstStep, c.srcStep = bad; }});
+            for (const int bad : {0, -1, INT_MIN})
+                e.push_back({zetStsStepErr, [=](TableCall& c) { c.dstStep = c.form == lut_in_place ? bad : c.dstStep, c.srcStep = bad; }});
             if (form == lut) e.push_back({zetStsStepErr, [=](TableCall& c) { c.dstStep = 0; }});
         };
         if (form == lut) e.push_back({zetStsNullPtrErr, [](TableCall& c) { c.dst = nullptr; }});
@@ -87,7 +88,9 @@ template <class T> struct TableCall {
         e.push_back({zetStsNullPtrErr, [](TableCall& c) { c.noLevels = true; }});
         e.push_back({zetStsNullPtrErr, [](TableCall& c) { c.noCounts = true; }});
         e.push_back({zetStsNullPtrErr, [](TableCall& c) { (c.form == range || c.form == even ? c.noBins : c.noValues) = true; }});
-        if (form == even) e.push_back({zetStsNullPtrErr, [](TableCall& c) { c.noLower = true; }}), e.push_back({zetStsNullPtrErr, [](TableCall& c) { c.noUpper = true; }});
+        if (form == even)
+            e.push_back({zetStsNullPtrErr, [](TableCall& c) { c.noLower = true; }}),
+                e.push_back({zetStsNullPtrErr, [](TableCall& c) { c.noUpper = true; }});
         for (int k = 0; k < layout.colours; ++k) channel(k), too_few(k);
         return size(), e;
     }
@@ -97,9 +100,12 @@ private:
     ZetStatus with(Bins b, Levels l, Written w, Values v, Count n, Bound low, Bound high) const {
         if (form == range) return member<ZetStatus(const T*, int, ZetiSize, Bins, Levels, Count)>(name)(src, srcStep, roi, b, l, n);
         if (form == lut_in_place) return member<ZetStatus(T*, int, ZetiSize, Values, Levels, Count)>(name)(dst, dstStep, roi, v, l, n);
-        if (form == lut) return member<ZetStatus(const T*, int, T*, int, ZetiSize, Values, Levels, Count)>(name)(src, srcStep, dst, dstStep, roi, v, l, n);
+        if (form == lut)
+            return member<ZetStatus(const T*, int, T*, int, ZetiSize, Values, Levels, Count)>(name)(src, srcStep, dst, dstStep, roi, v, l,
+                                                                                                    n);
         if constexpr (!is_float<T>)
-            return member<ZetStatus(const T*, int, ZetiSize, Bins, Written, Count, Bound, Bound)>(name)(src, srcStep, roi, b, w, n, low, high);
+            return member<ZetStatus(const T*, int, ZetiSize, Bins, Written, Count, Bound, Bound)>(name)(src, srcStep, roi, b, w, n, low,
+                                                                                                        high);
         return zetStsNoErr;
     }
 };

@@ -20,7 +20,7 @@ enum class Fence { behind, before };
 template <class T> class Image {
 public:
     const int width, height, channels; // in pixels
-    const int step; // in bytes; negative: the rows go up from the first, 0: all rows are the same
+    const int step;                    // in bytes; negative: the rows go up from the first, 0: all rows are the same
 
     // `offset` bytes lie between the fence and the image. Steps shorter than a row are for sources only.
     Image(int w, int h, int c, int rowStep, Fence fence = Fence::behind, int offset = 0) : width(w), height(h), channels(c), step(rowStep) {

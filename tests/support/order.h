@@ -38,20 +38,23 @@ template <class... A> std::vector<Error<std::tuple<A...>>> common_errors(const s
             for (const int bad : {0, -1, INT_MIN}) errors.push_back({zetStsStepErr, [=](Arguments& a) { std::get<I>(a) = bad; }});
         }
     };
-    [&]<std::size_t... I>(std::index_sequence<I...>) { (argument(std::integral_constant<std::size_t, I>()), ...); }(std::index_sequence_for<A...>());
+    [&]<std::size_t... I>(std::index_sequence<I...>) { (argument(std::integral_constant<std::size_t, I>()), ...); }
+    (std::index_sequence_for<A...>());
     return errors;
 }
 
 // `order` holds the statuses of all errors, the first checked first; `intact` says whether everything is as it was.
 template <class... A, class Intact>
-void expect_order(const std::string& name, const std::tuple<A...>& arguments, const std::vector<ZetStatus>& order, const std::vector<Error<std::tuple<A...>>>& errors, Intact intact) {
+void expect_order(const std::string& name, const std::tuple<A...>& arguments, const std::vector<ZetStatus>& order,
+                  const std::vector<Error<std::tuple<A...>>>& errors, Intact intact) {
     const auto rank = [&](ZetStatus s) { return std::find(order.begin(), order.end(), s) - order.begin(); };
     for (const auto& one : errors)
         for (const auto& two : errors) {
             auto spoiled = arguments;
             one.spoil(spoiled), two.spoil(spoiled);
             const ZetStatus status = std::apply(member<ZetStatus(A...)>(name), spoiled);
-            ASSERT_EQ(status, rank(one.status) < rank(two.status) ? one.status : two.status) << name << ": errors " << one.status << " and " << two.status;
+            ASSERT_EQ(status, rank(one.status) < rank(two.status) ? one.status : two.status)
+                << name << ": errors " << one.status << " and " << two.status;
             ASSERT_TRUE(intact()) << name << ": errors " << one.status << " and " << two.status;
         }
 }

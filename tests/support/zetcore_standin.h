@@ -21,7 +21,7 @@ ZETCORE_API int standin_thread_queries(void);
 ZETCORE_API void standin_refuse_allocation(int n);
 ZETCORE_API void standin_refuse_all_allocations(int refuse);
 ZETCORE_API int standin_allocations(void); /* asked for, granted or not */
-ZETCORE_API int standin_last_bytes(void); /* the size last asked for */
+ZETCORE_API int standin_last_bytes(void);  /* the size last asked for */
 ZETCORE_API int standin_live_blocks(void); /* granted and not yet released */
 
 /* zetGetMaxCacheSizeB answers `bytes`; 0 makes the size unknown. */
