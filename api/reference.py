@@ -52,7 +52,7 @@ def unique(items):
 def statuses():
     """name -> (value, meaning), from the header."""
     header = (ROOT / "include/zeti/status.h").read_text()
-    return {name: (int(value), meaning) for name, value, meaning in re.findall(r"(\w+) = (-?\d+),? /\* (.*?) \*/", header)}
+    return {name: (int(value), meaning) for name, value, meaning in re.findall(r"(\w+) = (-?\d+),? +/\* (.*?) \*/", header)}
 
 
 def link(status):

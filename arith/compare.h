@@ -60,7 +60,21 @@ template <class T, class L, class V>
 ZetStatus compare_constant(const T* pSrc, int srcStep, V value, Zet8u* pDst, int dstStep, ZetiSize roiSize, ZetCmpOp cmpOp) {
     const T* const values = constants(value);
     if (ZetStatus bad = first(null(pSrc, values, pDst), step(srcStep, dstStep), size(roiSize))) return bad;
-    return detail::compare_operands<L, T>(ImageOperand<T>{{pSrc, srcStep}}, ConstantOperand<T, L>(values), {pDst, dstStep}, roiSize, cmpOp);
+    const ImageOperand<T> image{{pSrc, srcStep}};
+    if constexpr (std::is_unsigned_v<T>) {
+        // Below c is at most c - 1, and the masks of the comparisons that include their bound are cheaper.
+        const bool below = cmpOp == zetCmpLess;
+        T closed[L::colours];
+        bool closes = below || cmpOp == zetCmpGreater;
+        for (int c = 0; c < L::colours; ++c) {
+            closes &= values[c] != (below ? T{0} : max_of<T>);
+            closed[c] = static_cast<T>(below ? values[c] - 1 : values[c] + 1);
+        }
+        if (closes)
+            return detail::compare_operands<L, T>(image, ConstantOperand<T, L>(closed), {pDst, dstStep}, roiSize,
+                                                  below ? zetCmpLessEq : zetCmpGreaterEq);
+    }
+    return detail::compare_operands<L, T>(image, ConstantOperand<T, L>(values), {pDst, dstStep}, roiSize, cmpOp);
 }
 
 // The tolerance is tested last.

@@ -13,7 +13,7 @@ namespace zeti {
 template <class T, class L> inline constexpr bool delegates = !is_complex<T> && (std::is_same_v<L, C3> || std::is_same_v<L, C4>);
 
 template <class T> inline constexpr int parts = is_complex<T> ? 2 : 1; // real samples in a sample
-template <class T, class L> inline constexpr int pixel_samples = parts<T>* int{L::channels};
+template <class T, class L> inline constexpr int pixel_samples = int{L::channels} * int{parts<T>};
 
 template <class T, class L> using Writes = std::conditional_t<L::keeps_alpha, KeepAlpha<Real<T>, 4 * parts<T>>, WriteAll<Real<T>>>;
 
@@ -84,7 +84,7 @@ template <class T, class L> void clear(Dst<T> dst, ZetiSize roi) {
 
 // --- Running a row kernel -----------------------------------------------------------------------------------------
 
-// A destination from this size on does not stay in a cache: it is written past it. (In place it is in the cache already.)
+// A destination from this size on does not stay in a cache: it is written past it, unless it is read as well.
 inline constexpr int64_t arithmetic_streams_from = int64_t{16} << 20;
 
 // Kernels of integer samples that compute in floats say so.
@@ -116,13 +116,12 @@ void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, Kerne
     constexpr bool reads_b = !leaves_row_unread<Kernel, std::remove_cvref_t<decltype(a.row(0))>>;
     const bool inPlace = (reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
     const ptrdiff_t rowBytes = e.width * ptrdiff_t{sizeof(R)};
-    const bool streams = writes_all && int64_t{rowBytes} * e.height >= arithmetic_streams_from && !inPlace;
+    const bool large = int64_t{rowBytes} * e.height >= arithmetic_streams_from, streams = large && writes_all && !inPlace;
     const bool joins = !row_by_row && (!detail::in_registers_of_row<Kernel> || e.width % lanes<R> == 0);
     const bool contiguous = joins && b.step == rowBytes && dst.step == rowBytes && a.contiguous(rowBytes);
     const auto one_row = [&](ptrdiff_t y, ptrdiff_t width) {
-        if constexpr (writes_all)
-            if (streams) return streaming_row(a.row(y), b.row(y), dst.row(y), width, kernel);
-        row<Writes>(a.row(y), b.row(y), dst.row(y), width, kernel);
+        if (large) large_row<Writes>(a.row(y), b.row(y), dst.row(y), width, kernel, streams);
+        else row<Writes>(a.row(y), b.row(y), dst.row(y), width, kernel);
     };
     const auto run = [&](ptrdiff_t first, ptrdiff_t count) {
         if (contiguous) return one_row(first, e.width * count);

@@ -17,14 +17,22 @@ ZetStatus check_threshold(const T* pSrc, int srcStep, const T* pDst, int dstStep
     return first(null(pSrc, constants(parameters)..., pDst), size(roi), step(srcStep, dstStep));
 }
 
-template <class T, class L, class Kernel, class... V>
-void run_threshold(Kernel kernel, const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roi, const V&... parameters) {
+template <class T, class L, class Kernel, class... Values>
+void run_threshold(Kernel kernel, const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roi, const Values*... values) {
     const auto run = [&](const auto& operand) {
         run_rows<Writes<T, L>>(operand, Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roi), serial, kernel);
     };
-    if constexpr (sizeof...(V) == 1) run(ConstantOperand<T, L>(constants(parameters)...));
-    else run(ConstantOperands<T, L, sizeof...(V)>(constants(parameters)...));
+    if constexpr (sizeof...(Values) == 1) run(ConstantOperand<T, L>(values...));
+    else run(ConstantOperands<T, L, sizeof...(Values)>(values...));
 }
+
+// What the kernel takes for each channel's value.
+template <class T, class L> struct Replacements {
+    T values[L::colours];
+    Replacements(const T* bound, const T* value) {
+        for (int c = 0; c < L::colours; ++c) values[c] = replacement(bound[c], value[c]);
+    }
+};
 
 constexpr bool is_side(ZetCmpOp op) { return op == zetCmpLess || op == zetCmpGreater; }
 
@@ -36,8 +44,8 @@ ZetStatus threshold_by(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSiz
     if (ZetStatus bad =
             first(check_threshold(pSrc, srcStep, pDst, dstStep, roiSize, bound), fails(!is_side(cmpOp), zetStsNotSupportedModeErr)))
         return bad;
-    if (cmpOp == zetCmpLess) run_threshold<T, L>(Threshold<Below, T>(), pSrc, srcStep, pDst, dstStep, roiSize, bound);
-    else run_threshold<T, L>(Threshold<Above, T>(), pSrc, srcStep, pDst, dstStep, roiSize, bound);
+    if (cmpOp == zetCmpLess) run_threshold<T, L>(Threshold<Below, T>(), pSrc, srcStep, pDst, dstStep, roiSize, constants(bound));
+    else run_threshold<T, L>(Threshold<Above, T>(), pSrc, srcStep, pDst, dstStep, roiSize, constants(bound));
     return zetStsNoErr;
 }
 
@@ -53,8 +61,10 @@ ZetStatus threshold_value(const T* pSrc, int srcStep, T* pDst, int dstStep, Zeti
     if (ZetStatus bad =
             first(fails(!is_side(cmpOp), zetStsNotSupportedModeErr), check_threshold(pSrc, srcStep, pDst, dstStep, roiSize, bound, value)))
         return bad;
-    if (cmpOp == zetCmpLess) run_threshold<T, L>(ThresholdVal<Below, T>(), pSrc, srcStep, pDst, dstStep, roiSize, bound, value);
-    else run_threshold<T, L>(ThresholdVal<Above, T>(), pSrc, srcStep, pDst, dstStep, roiSize, bound, value);
+    const T* const b = constants(bound);
+    const Replacements<T, L> put(b, constants(value));
+    if (cmpOp == zetCmpLess) run_threshold<T, L>(ThresholdVal<Below, T>(), pSrc, srcStep, pDst, dstStep, roiSize, b, put.values);
+    else run_threshold<T, L>(ThresholdVal<Above, T>(), pSrc, srcStep, pDst, dstStep, roiSize, b, put.values);
     return zetStsNoErr;
 }
 
@@ -71,7 +81,9 @@ ZetStatus threshold_two_values(const T* pSrc, int srcStep, T* pDst, int dstStep,
     if (ZetStatus bad = check_threshold(pSrc, srcStep, pDst, dstStep, roiSize, low, valueLow, high, valueHigh)) return bad;
     for (int c = 0; c < L::colours; ++c)
         if (less(constants(high)[c], constants(low)[c])) return zetStsThresholdErr;
-    run_threshold<T, L>(ThresholdLTValGTVal<T>(), pSrc, srcStep, pDst, dstStep, roiSize, low, valueLow, high, valueHigh);
+    const T *const lows = constants(low), *const highs = constants(high);
+    const Replacements<T, L> putLow(lows, constants(valueLow)), putHigh(highs, constants(valueHigh));
+    run_threshold<T, L>(ThresholdLTValGTVal<T>(), pSrc, srcStep, pDst, dstStep, roiSize, lows, putLow.values, highs, putHigh.values);
     return zetStsNoErr;
 }
 

@@ -8,6 +8,7 @@ namespace {
 constexpr int border = 8;
 
 struct InnerSize {
+    static constexpr bool byRows = true;
     static int stored() { return 0; }
     static int touched() { return 0; }
     auto bind(Arena& arena) const {

@@ -123,6 +123,7 @@ struct Row {
     int stored = 0, touched = 0;                             // bytes per pixel
     std::function<std::function<void(int)>(Arena&)> prepare; // gives the function that makes so many calls
     bool reads = true, writes = true;                        // images
+    bool byRows = false;                                     // regions of larger images
 };
 
 void add(Row row);
@@ -135,6 +136,13 @@ template <class A> constexpr bool reads() {
 }
 template <class A> constexpr bool writes() {
     if constexpr (requires { A::writes; }) return A::writes;
+    else return false;
+}
+template <class A> constexpr bool by_rows() {
+    return requires { A::byRows; };
+}
+template <class A> bool is_destination(const A& a) {
+    if constexpr (requires { a.channels; }) return a.channels == 4 && A::writes && !A::reads;
     else return false;
 }
 template <class... C> auto function(const std::string& name, std::type_identity<std::tuple<C...>>) {
@@ -154,9 +162,12 @@ template <class... A> void row(const std::string& name, const std::string& detai
             for (int i = 0; i < calls; ++i) std::apply(f, c);
         };
     };
+    // AC4 reads its destination, whose alpha it keeps; operations on alpha itself write it.
+    const bool keepsAlpha = name.find("_AC4R") != std::string::npos && name.find("Alpha") == std::string::npos;
+    const auto kept = [&](const auto& a) { return keepsAlpha && detail::is_destination(a) ? a.stored() : 0; };
     add({detail.empty() ? name : name + "/" + detail, sum([](const auto& a) { return a.stored(); }),
-         sum([](const auto& a) { return a.touched(); }), prepare, (... || detail::reads<decltype(argument(plain))>()),
-         (... || detail::writes<decltype(argument(plain))>())});
+         sum([&](const auto& a) { return a.touched() + kept(a); }), prepare, (... || detail::reads<decltype(argument(plain))>()),
+         (... || detail::writes<decltype(argument(plain))>()), (... || detail::by_rows<decltype(argument(plain))>())});
 }
 
 } // namespace bench

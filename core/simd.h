@@ -338,8 +338,12 @@ inline void store_streaming(void* aligned, __m128i v) { _mm_stream_si128(static_
 inline void streaming_fence() { _mm_sfence(); }
 
 // Asks the cache for what lies some bytes further on: no access, whatever is there.
-inline void prefetch(const void* p, int ahead = 0) {
-    _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(ahead)), _MM_HINT_T0);
+inline const char* ahead_of(const void* p, ptrdiff_t ahead) { // addresses only: it may lie outside the image
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
+    return reinterpret_cast<const char*>(reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(ahead));
 }
+inline void prefetch(const void* p, ptrdiff_t ahead = 0) { _mm_prefetch(ahead_of(p, ahead), _MM_HINT_T0); }
+// Into the second cache: where the loads themselves are many, the first one's few requests are better left to them.
+inline void prefetch_outer(const void* p, ptrdiff_t ahead) { _mm_prefetch(ahead_of(p, ahead), _MM_HINT_T1); }
 
 } // namespace zeti

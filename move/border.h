@@ -25,12 +25,15 @@ inline ZetStatus check_place(ZetiSize src, ZetiSize dst, int top, int left) {
 }
 
 template <class T, class L> void const_border(Src<T> src, Dst<T> dst, const Place& p, const T* value) {
-    const PixelRows<T, L> rows(dst, {p.dstWidth, p.dstHeight});
+    using Rows = PixelRows<T, L>;
+    const Rows rows(dst, {p.dstWidth, p.dstHeight});
+    const typename Rows::Run run(value);
     rows.fill_rows(value, 0, p.dstWidth, p.top);
     for (ptrdiff_t y = 0; y < p.height; ++y) {
-        rows.fill(value, rows.at(p.top + y), p.left);
-        rows.copy(src.row(y), rows.at(p.top + y, p.left), p.width);
-        rows.fill(value, rows.at(p.top + y, p.left + p.width), p.right());
+        T* const to = rows.at(p.top + y);
+        run.fill(to, p.left);
+        rows.copy(src.row(y), to + p.left * L::channels, p.width);
+        run.fill(to + (p.left + p.width) * L::channels, p.right());
     }
     rows.fill_rows(value, p.top + p.height, p.dstWidth, p.bottom());
 }
@@ -38,13 +41,15 @@ template <class T, class L> void const_border(Src<T> src, Dst<T> dst, const Plac
 // The nearest source pixel: rows to their sides, then the first and the last of them up and down.
 struct ReplicateBorder {
     template <class T, class L> static void run(Src<T> src, Dst<T> dst, const Place& p) {
-        const PixelRows<T, L> rows(dst, {p.dstWidth, p.dstHeight});
+        using Rows = PixelRows<T, L>;
+        const Rows rows(dst, {p.dstWidth, p.dstHeight});
         const ptrdiff_t last = p.top + p.height - 1;
         for (ptrdiff_t y = 0; y < p.height; ++y) {
             const T* const from = src.row(y);
-            rows.copy(from, rows.at(p.top + y, p.left), p.width);
-            rows.fill(from, rows.at(p.top + y), p.left);
-            rows.fill(from + (p.width - 1) * L::channels, rows.at(p.top + y, p.left + p.width), p.right());
+            T *const to = rows.at(p.top + y), *const inner = to + p.left * L::channels, *const right = inner + p.width * L::channels;
+            rows.copy(from, inner, p.width);
+            if (p.left > 0) typename Rows::Run(from).fill(to, p.left);
+            if (p.right() > 0) typename Rows::Run(from + (p.width - 1) * L::channels).fill(right, p.right());
         }
         for (ptrdiff_t y = 0; y < p.top; ++y) rows.copy(rows.at(p.top), rows.at(y), p.dstWidth);
         for (ptrdiff_t y = last + 1; y < p.dstHeight; ++y) rows.copy(rows.at(last), rows.at(y), p.dstWidth);

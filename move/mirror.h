@@ -4,7 +4,6 @@
 
 #include "core/check.h"
 #include "move/rows.h"
-#include "move/streaming.h"
 #include "signal/reverse.h"
 
 namespace zeti {
@@ -36,33 +35,35 @@ template <class T, class L> struct MirrorPixels {
     }
 };
 
-inline constexpr int piece_bytes = 1536; // what passes through a buffer at a time: a multiple of every pixel
+inline constexpr int kept_bytes = 1536; // what passes through a buffer at a time: a multiple of every pixel
 
-// The same past the cache, in pieces so small that the next one is reversed while this one leaves, and asked for ahead of time.
-template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
-    constexpr int lines = 6 * line_bytes, ahead = 4096;
-    constexpr ptrdiff_t pixel = Pixels::bytes, piece = lines / pixel;
-    alignas(16) Zet8u reversed[lines];
-    const ptrdiff_t before = to_line(dst) % pixel == 0 ? to_line(dst) / pixel : 0; // pixels before the first line
-    for (ptrdiff_t x = 0, count; x < n; x += count) {
-        count = std::min(x == 0 && before > 0 ? before : piece, n - x);
-        const Zet8u* const from = src + (n - x - count) * pixel;
-        for (int k = 0; k < lines; k += line_bytes) prefetch(from, k - ahead);
-        Pixels::reverse(from, reversed, count);
-        copy_run(reversed, dst + x * pixel, count * pixel, Cache::streaming);
-    }
+// The same past the cache, by pieces; the next row lies above or below this one.
+template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptrdiff_t n, bool nextBelow) {
+    constexpr ptrdiff_t pixel = Pixels::bytes;
+    static_assert(piece_bytes % pixel == 0);
+    alignas(line_bytes) Zet8u reversed[piece_bytes];
+    const ptrdiff_t end = n * pixel, before = to_line(dst) % pixel == 0 ? std::min(end, to_line(dst)) : 0; // what is left of the first line
+    if (before > 0) Pixels::reverse(src + end - before, dst, before / pixel);
+    by_places(end - before, line_bytes, ahead_bytes, [&](int, ptrdiff_t i, ptrdiff_t count, ptrdiff_t next) {
+        const Zet8u* const from = src + end - before - i - count;
+        const ptrdiff_t ahead = next > ahead_bytes && nextBelow ? 2 * end - next : -next;
+        for (ptrdiff_t k = 0; k < count; k += line_bytes) prefetch(from + k, ahead);
+        Pixels::reverse(from, reversed, count / pixel);
+        owniCopy_8u_C1(reversed, dst + before + i, count, Cache::streaming);
+    });
 }
 
-// owniExchange_8u_I, owniFlip_8u_C1: two runs of pixels change places. `transfer` moves or reverses.
+// owniFlip_8u_C1 on two runs of pixels that change places; `transfer` reverses or moves. The next of them lie behind a and, mostly, before b.
 template <int Pixel, class Transfer> void exchange(Zet8u* a, Zet8u* b, ptrdiff_t n, Transfer transfer) {
-    alignas(16) Zet8u kept[piece_bytes];
+    alignas(16) Zet8u kept[kept_bytes];
+    for (ptrdiff_t k = 0; k < n * Pixel; k += line_bytes) prefetch(a + k, kept_bytes), prefetch(b + k, -kept_bytes);
     owniCopy_8u_C1(a, kept, n * Pixel, Cache::plain);
     transfer(b, a, n);
     transfer(kept, b, n);
 }
 
 template <class Pixels> void reverse_in_place(Zet8u* row, ptrdiff_t n) {
-    constexpr ptrdiff_t pixel = Pixels::bytes, piece = piece_bytes / pixel;
+    constexpr ptrdiff_t pixel = Pixels::bytes, piece = kept_bytes / pixel;
     for (; n > 1; row += piece * pixel, n -= 2 * piece) {
         const ptrdiff_t half = std::min(piece, n / 2); // the middle pixel of an odd number stays
         exchange<Pixels::bytes>(row, row + (n - half) * pixel, half, Pixels::reverse);
@@ -77,18 +78,24 @@ template <class T, class L> ZetStatus mirror_I(T* pSrcDst, int srcDstStep, ZetiS
     if (ZetStatus bad = detail::check_flip(roiSize, flip)) return bad;
     const auto image = as<Zet8u>(Dst<T>{pSrcDst, srcDstStep});
     const ptrdiff_t width = roiSize.width, height = roiSize.height;
-    constexpr ptrdiff_t pixel = Pixels::bytes, piece = detail::piece_bytes / pixel;
+    constexpr ptrdiff_t pixel = Pixels::bytes, piece = detail::kept_bytes / pixel;
     if (flip == detail::vertical_axis) {
         for (ptrdiff_t y = 0; y < height; ++y) detail::reverse_in_place<Pixels>(image.row(y), width);
         return zetStsNoErr;
     }
-    for (ptrdiff_t y = 0; y < height / 2; ++y)
+    for (ptrdiff_t y = 0; y < height / 2; ++y) {
+        Zet8u *const upper = image.row(y), *const lower = image.row(height - 1 - y);
+        if (flip == detail::horizontal_axis && !L::keeps_alpha) {
+            owniExchange_8u_I(upper, lower, width * pixel);
+            continue;
+        }
         for (ptrdiff_t x = 0; x < width; x += piece) {
             const ptrdiff_t n = std::min(piece, width - x);
-            Zet8u *const upper = image.row(y) + x * pixel, *const lower = image.row(height - 1 - y);
-            if (flip == detail::both_axes) detail::exchange<Pixels::bytes>(upper, lower + (width - x - n) * pixel, n, Pixels::reverse);
-            else detail::exchange<Pixels::bytes>(upper, lower + x * pixel, n, Pixels::move);
+            Zet8u* const from = upper + x * pixel;
+            if (flip == detail::both_axes) detail::exchange<Pixels::bytes>(from, lower + (width - x - n) * pixel, n, Pixels::reverse);
+            else detail::exchange<Pixels::bytes>(from, lower + x * pixel, n, Pixels::move);
         }
+    }
     if (flip == detail::both_axes && height % 2 != 0) detail::reverse_in_place<Pixels>(image.row(height / 2), width);
     return zetStsNoErr;
 }
@@ -106,7 +113,7 @@ template <class T, class L> ZetStatus mirror(const T* pSrc, int srcStep, T* pDst
     if (flip != detail::horizontal_axis) {
         each_row(bytes, [&](ptrdiff_t y) {
             const Zet8u* const from = src.row(flip == detail::both_axes ? last - y : y);
-            if (cache == Cache::streaming) detail::reverse_streaming<Pixels>(from, dst.row(y), width);
+            if (cache == Cache::streaming) detail::reverse_streaming<Pixels>(from, dst.row(y), width, flip == detail::vertical_axis);
             else Pixels::reverse(from, dst.row(y), width);
         });
         if (cache == Cache::streaming) streaming_fence();

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "move/rows.h"
-#include "move/streaming.h"
 #include "signal/pixel_run.h"
 
 namespace zeti {
@@ -13,8 +12,7 @@ template <class T, class L> class PixelRows {
     static constexpr int channels = L::channels, pixel = channels * int{sizeof(T)};
 
 public:
-    PixelRows(Dst<T> dst, Extent pixels)
-        : dst_(dst), cache_(L::keeps_alpha ? Cache::plain : copy_cache({pixels.width * pixel, pixels.height})) {}
+    PixelRows(Dst<T> dst, Extent pixels) : dst_(dst), cache_(copy_cache({pixels.width * pixel, pixels.height})) {}
     ~PixelRows() {
         if (cache_ == Cache::streaming) streaming_fence();
     }
@@ -24,27 +22,44 @@ public:
         if (from == to) return;
         if constexpr (L::keeps_alpha) {
             TakeFirst take;
-            row<KeepAlpha<T, 4>>(RowOperand<T>{from}, to, to, pixels * channels, take);
+            if (cache_ == Cache::streaming) large_row<KeepAlpha<T, 4>>(RowOperand<T>{from}, to, to, pixels * channels, take, false);
+            else row<KeepAlpha<T, 4>>(RowOperand<T>{from}, to, to, pixels * channels, take);
         } else {
-            copy_run(reinterpret_cast<const Zet8u*>(from), reinterpret_cast<Zet8u*>(to), pixels * pixel, cache_);
+            owniCopy_8u_C1(reinterpret_cast<const Zet8u*>(from), reinterpret_cast<Zet8u*>(to), pixels * pixel, cache_);
         }
     }
+
     // A few copies of a pixel.
-    void fill(const T* value, T* to, ptrdiff_t pixels) const {
-        if (pixels == 0) return;
-        if constexpr (L::keeps_alpha) {
-            const T colours[4] = {get(value), get(value + 1), get(value + 2)};
-            const Pattern<T, KeepAlpha<T, 4>::period> pattern(colours, 4);
-            TakeFirst take;
-            row<KeepAlpha<T, 4>>(pattern, to, to, pixels * channels, take);
-        } else {
-            PixelRun<pixel>(reinterpret_cast<const Zet8u*>(value)).fill(reinterpret_cast<Zet8u*>(to), pixels);
+    class Run {
+    public:
+        explicit Run(const T* value) : pattern_(pattern_of(value)) {}
+        void fill(T* to, ptrdiff_t pixels) const {
+            if (pixels == 0) return;
+            if constexpr (L::keeps_alpha) {
+                TakeFirst take;
+                row<KeepAlpha<T, 4>>(pattern_, to, to, pixels * channels, take);
+            } else {
+                pattern_.fill(reinterpret_cast<Zet8u*>(to), pixels);
+            }
         }
-    }
+
+    private:
+        static auto pattern_of(const T* value) {
+            if constexpr (L::keeps_alpha) {
+                const T colours[4] = {get(value), get(value + 1), get(value + 2)};
+                return Pattern<T, KeepAlpha<T, 4>::period>(colours, 4);
+            } else {
+                return PixelRun<pixel>(reinterpret_cast<const Zet8u*>(value));
+            }
+        }
+        decltype(pattern_of(nullptr)) pattern_;
+    };
+
     // Whole rows of it.
     void fill_rows(const T* value, ptrdiff_t y, ptrdiff_t width, ptrdiff_t height) const {
         if constexpr (L::keeps_alpha) {
-            for (ptrdiff_t end = y + height; y < end; ++y) fill(value, at(y), width);
+            const Run run(value);
+            for (ptrdiff_t end = y + height; y < end; ++y) run.fill(at(y), width);
         } else {
             const FillPattern pattern(value, channels);
             for (ptrdiff_t end = y + height; y < end; ++y) owniSet_8u(pattern, reinterpret_cast<Zet8u*>(at(y)), width * pixel, cache_);

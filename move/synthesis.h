@@ -58,7 +58,7 @@ template <class T, class L> ZetStatus image_ramp(T* pDst, int dstStep, ZetiSize 
             T value[4];
             RampRow<T>(offset, slope).fill(value, y, 1);
             value[1] = value[2] = value[3] = value[0];
-            rows.fill(value, rows.at(y), roiSize.width);
+            typename PixelRows<T, L>::Run(value).fill(rows.at(y), roiSize.width);
         }
     } else if (axis == 2) {
         for (int y = 0; y < roiSize.height; ++y) detail::synthesise<L>(RampRow<T>(offset, slope, y), dst.row(y), roiSize.width);

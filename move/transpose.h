@@ -4,7 +4,6 @@
 
 #include "core/check.h"
 #include "move/rows.h"
-#include "move/streaming.h"
 #include "signal/transpose.h"
 
 namespace zeti {

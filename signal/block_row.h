@@ -55,13 +55,16 @@ template <class Block>
     const auto advance = [&](ptrdiff_t count) __attribute__((always_inline)) {
         for (int k = 0; k < Block::sources; ++k) src[k] += count * Block::source_bytes;
         for (int k = 0; k < Block::targets; ++k) dst[k] += count * Block::target_bytes;
-        n -= count;
     };
     if (Block::before > 0) {
         detail::run_buffered(block, src, dst, Block::pixels);
         advance(Block::pixels);
+        n -= Block::pixels;
     }
-    for (; n >= Block::pixels + Block::behind; advance(Block::pixels)) block(src, dst);
+    for (; n >= Block::pixels + Block::behind; n -= Block::pixels) {
+        block(src, dst);
+        advance(Block::pixels);
+    }
     if (n <= 0) return;
     advance(n - Block::pixels); // the last whole block, part of it once more
     detail::run_buffered(block, src, dst, Block::pixels);

@@ -81,7 +81,8 @@ template <class Cmp, class L, class T, class A, class B> class Comparison {
 
 public:
     static constexpr int period = 1;
-    static constexpr bool is_long = channels * registers > 2;
+    static constexpr int lines = channels * registers; // of an image, for one of bytes
+    static constexpr bool is_long = lines > 2;
     Comparison(const Cmp& cmp, const A& a, const B& b) : cmp_(cmp), a_(a), b_(b) {}
 
     Vec<Zet8u> whole(ptrdiff_t i, int) const {
@@ -94,12 +95,13 @@ public:
     Comparison from(ptrdiff_t i) const { return {cmp_, a_.from(i * channels), b_.from(i * channels)}; }
     void advance(ptrdiff_t n) { a_.advance(n * channels), b_.advance(n * channels); }
     void prefetch(ptrdiff_t i) const { // what becomes a cache line of bytes
-        for (int k = 0; k < channels * registers; ++k) {
+        for (int k = 0; k < lines; ++k) {
             const ptrdiff_t at = i * channels + k * (64 / ptrdiff_t{sizeof(T)});
             a_.prefetch(at), b_.prefetch(at);
         }
     }
     bool written_ahead_by(const Zet8u*, ptrdiff_t) const { return false; } // source and mask do not overlap
+    bool overlaps(const Zet8u*, ptrdiff_t) const { return false; }
 
 private:
     // Register k of the 16 pixels from pixel i on, of which n < 16 exist.

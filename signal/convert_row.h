@@ -60,11 +60,18 @@ template <class Writes, Cache cache, class Kernel>
         if (peel % int{sizeof(D)} != 0) return convert_row<Writes, Cache::plain>(src, dst, n, kernel);
         i = std::min<ptrdiff_t>(n, peel / int{sizeof(D)});
         if (i > 0) detail::convert_part<Writes>(src, dst, i, kernel);
+        constexpr ptrdiff_t line = 4 * block, size = sizeof *src, ahead = std::max<ptrdiff_t>(6 * line, ahead_bytes / size);
+        const ptrdiff_t whole = (n - i) / line * line;
+        by_places(
+            whole, line, ahead, [=](int, ptrdiff_t x, ptrdiff_t count, ptrdiff_t next) __attribute__((always_inline)) {
+                for (ptrdiff_t k = i + x; k < i + x + count; k += line) {
+                    for (ptrdiff_t m = 0; m < line; m += line_bytes / size) prefetch(src + k + m, next * size);
+                    for (ptrdiff_t m = 0; m < line; m += block) detail::convert_block<Writes, cache>(src + k + m, dst + k + m, op);
+                }
+            });
+        i += whole;
     }
-    for (; i <= n - block; i += block) {
-        if constexpr (cache == Cache::streaming && sizeof(*src) > 1) prefetch(src + i, 2048); // such rows wait for what they read
-        detail::convert_block<Writes, cache>(src + i, dst + i, op);
-    }
+    for (; i <= n - block; i += block) detail::convert_block<Writes, cache>(src + i, dst + i, op);
     if (i < n) detail::convert_part<Writes>(src + i, dst + i, n - i, kernel);
 }
 

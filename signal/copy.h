@@ -2,34 +2,72 @@
 // owniCopy_8u_C1_W7: the one byte mover under every copy of whole rows, of whatever type and layout.
 #pragma once
 
-#include "core/simd.h"
+#include "signal/places.h"
 
 namespace zeti {
 
 enum class Cache { plain, streaming };
 
-// Copies n bytes upward. The streaming form bypasses the cache; its caller closes with streaming_fence().
-inline void owniCopy_8u_C1(const Zet8u* src, Zet8u* dst, ptrdiff_t n, Cache cache) {
+namespace detail {
+
+// Upward, whatever overlaps.
+inline void copy_in_order(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
     ptrdiff_t i = 0;
-    if (n >= 64) {
-        if (const int peel = static_cast<int>(-reinterpret_cast<uintptr_t>(dst) & 15)) {
-            store_bytes(dst, load_bytes(src, peel), peel);
-            i = peel;
-        }
-        constexpr ptrdiff_t ahead = 4096; // streaming copies wait for their source otherwise
-        const auto round = [&](auto store_aligned) __attribute__((always_inline)) {
-            for (; i <= n - 64; i += 64) {
-                if (cache == Cache::streaming) prefetch(src + i + ahead);
-                const auto a = load(src + i), b = load(src + i + 16), c = load(src + i + 32), d = load(src + i + 48);
-                store_aligned(dst + i, a), store_aligned(dst + i + 16, b);
-                store_aligned(dst + i + 32, c), store_aligned(dst + i + 48, d);
-            }
-        };
-        if (cache == Cache::streaming) round([](Zet8u* p, Vec<Zet8u> v) { store_streaming(p, raw(v)); });
-        else round([](Zet8u* p, Vec<Zet8u> v) { store(p, v); });
-    }
     for (; i <= n - 16; i += 16) store(dst + i, load(src + i));
     if (i < n) store_bytes(dst + i, load_bytes(src + i, static_cast<int>(n - i)), static_cast<int>(n - i));
+}
+
+// Of two that do not overlap: the first and the last register cover what is left beside the aligned ones.
+inline void copy_plain(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
+    if (n < 16) return copy_in_order(src, dst, n);
+    store(dst, load(src));
+    ptrdiff_t i = 16 - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & 15);
+    for (; i <= n - 64; i += 64) {
+        const auto a = load(src + i), b = load(src + i + 16), c = load(src + i + 32), d = load(src + i + 48);
+        store(dst + i, a), store(dst + i + 16, b), store(dst + i + 32, c), store(dst + i + 48, d);
+    }
+    for (; i < n - 16; i += 16) store(dst + i, load(src + i));
+    store(dst + n - 16, load(src + n - 16));
+}
+
+} // namespace detail
+
+// Copies n bytes. The streaming form bypasses the cache, but for parts of lines, as half a line costs more than a line; its caller closes
+// with streaming_fence().
+inline void owniCopy_8u_C1(const Zet8u* src, Zet8u* dst, ptrdiff_t n, Cache cache) {
+    if (src < dst + n && dst < src + n) return detail::copy_in_order(src, dst, n);
+    if (cache == Cache::plain) return detail::copy_plain(src, dst, n);
+    const ptrdiff_t head = std::min(n, to_line(dst)), lines = (n - head) / line_bytes * line_bytes, tail = n - head - lines;
+    detail::copy_plain(src, dst, head);
+    by_places(
+        lines, line_bytes, ahead_bytes, [=](int, ptrdiff_t at, ptrdiff_t count, ptrdiff_t next) __attribute__((always_inline)) {
+            for (ptrdiff_t i = head + at; i < head + at + count; i += line_bytes) {
+                prefetch(src + i, next);
+                for (int k = 0; k < line_bytes; k += 16) store_streaming(dst + i + k, raw(load(src + i + k)));
+            }
+        });
+    detail::copy_plain(src + n - tail, dst + n - tail, tail);
+}
+
+// owniExchange_8u_I: two runs of n bytes that do not overlap change places.
+inline void owniExchange_8u_I(Zet8u* a, Zet8u* b, ptrdiff_t n) {
+    const ptrdiff_t lines = n / line_bytes * line_bytes;
+    by_places(
+        lines, line_bytes, ahead_bytes, [=](int, ptrdiff_t at, ptrdiff_t count, ptrdiff_t next) __attribute__((always_inline)) {
+            for (ptrdiff_t i = at; i < at + count; i += line_bytes) {
+                prefetch(a + i, next), prefetch(b + i, next);
+                for (int k = 0; k < line_bytes; k += 16) {
+                    const auto x = load(a + i + k), y = load(b + i + k);
+                    store(a + i + k, y), store(b + i + k, x);
+                }
+            }
+        });
+    ptrdiff_t i = lines;
+    for (; i <= n - 16; i += 16) {
+        const auto x = load(a + i), y = load(b + i);
+        store(a + i, y), store(b + i, x);
+    }
+    std::swap_ranges(a + i, a + n, b + i);
 }
 
 } // namespace zeti

@@ -31,10 +31,14 @@ template <int channels, class T> Four<T> four_samples(const T* p, int n) {
     return v;
 }
 
-// Samples and columns in pairs: two chains of sums, of the even and of the odd columns.
-inline Vec<Zet64f> pair_to_double(Vec<Zet32s> v) { return to_double(v); }
-inline Vec<Zet64f> pair_to_double(Vec<Zet32f> v) { return reinterpret_cast<Vec<Zet64f>>(_mm_cvtps_pd(raw_float(v))); }
-template <class V> V upper_pair(V v) { return reinterpret_cast<V>(_mm_unpackhi_epi64(raw(v), raw(v))); }
+// Samples and columns in pairs: two chains of sums, of the even and of the odd columns. No integer is negative: with the upper half of 2^52
+// above it each is 2^52 too large.
+inline Pair2<Zet64f> pairs_to_double(Vec<Zet32s> v) {
+    const __m128i upper = _mm_set1_epi32(0x43300000);
+    const auto low = as_lanes<Zet64f>(_mm_unpacklo_epi32(raw(v), upper)), high = as_lanes<Zet64f>(_mm_unpackhi_epi32(raw(v), upper));
+    return {low - 0x1p52, high - 0x1p52};
+}
+inline Pair2<Zet64f> pairs_to_double(Vec<Zet32f> v) { return widen_to_double<Zet32f>(v); }
 
 // In double precision: Moments8uC1R_64f_FAST and its siblings.
 struct FloatChains {
@@ -42,8 +46,9 @@ struct FloatChains {
     Vec<Zet64f> s0{}, s1{}, s2{}, s3{};
 
     template <class V> void add(V four, Vec<Zet64f> x) {
-        add_pair(pair_to_double(four), x);
-        add_pair(pair_to_double(upper_pair(four)), x + 2);
+        const auto pairs = pairs_to_double(four);
+        add_pair(pairs.low, x);
+        add_pair(pairs.high, x + 2);
     }
     void sums(ptrdiff_t, Sum (&s)[4]) const { s[0] = s0[0] + s0[1], s[1] = s1[0] + s1[1], s[2] = s2[0] + s2[1], s[3] = s3[0] + s3[1]; }
 

@@ -16,6 +16,7 @@ namespace zeti {
 template <int Channels> inline constexpr int places_of = Channels == 3 ? 3 : 2;
 
 inline constexpr ptrdiff_t apart_from = 8192; // bytes of a row
+inline constexpr ptrdiff_t prefetched = 4096; // bytes ahead
 
 template <class Kernel, class T, int N>
 [[gnu::noinline, gnu::flatten]] void reduce_row(Kernel& kernel, const Rows<T, N>& images, ptrdiff_t n) {
@@ -30,7 +31,9 @@ template <class Kernel, class T, int N>
         const bool apart = n * ptrdiff_t{sizeof(T)} >= apart_from;
         const ptrdiff_t from = apart ? rounds * line : line, step = apart ? line : 2 * line;
         for (ptrdiff_t x = 0, r = 0; r < rounds; x += step, ++r) {
-            for (const auto& o : rows.operand) prefetch(o.p + x, 2048), prefetch(o.p + from + x, 2048);
+            // At the end of its half each place looks to where it goes on in the next row, or block of this one.
+            const ptrdiff_t ahead = apart && r >= rounds - prefetched / 64 ? prefetched + from * ptrdiff_t{sizeof(T)} : prefetched;
+            for (const auto& o : rows.operand) prefetch_outer(o.p + x, ahead), prefetch_outer(o.p + from + x, ahead);
             for (ptrdiff_t more = 0; more < line; more += together) both(x + more, from + x + more);
         }
         ptrdiff_t i = rounds * 2 * line;

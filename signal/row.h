@@ -10,7 +10,7 @@
 #include <numeric>
 
 #include "core/layout.h"
-#include "core/simd.h"
+#include "signal/places.h"
 
 namespace zeti {
 
@@ -44,6 +44,7 @@ template <class T> struct RowOperand {
     void advance(ptrdiff_t n) { p += n; }
     void prefetch(ptrdiff_t i) const { zeti::prefetch(p + i); }
     bool written_ahead_by(const T* dst, ptrdiff_t n) const { return dst > p && dst < p + n; }
+    bool overlaps(const T* dst, ptrdiff_t n) const { return dst != p && dst < p + n && p < dst + n; } // in part
 };
 
 // First operand: constants that repeat every `Period` registers.
@@ -62,6 +63,7 @@ template <class T, int Period> struct Pattern {
     static void advance(ptrdiff_t) {} // by whole patterns
     static void prefetch(ptrdiff_t) {}
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
+    bool overlaps(const T*, ptrdiff_t) const { return false; }
 };
 
 // First operand: N rows or patterns side by side; the kernel is given an array of N registers.
@@ -98,6 +100,11 @@ template <class T, class Operand, int N> struct Operands {
         for (const auto& o : operand) any |= o.written_ahead_by(dst, n);
         return any;
     }
+    bool overlaps(const T* dst, ptrdiff_t n) const {
+        bool any = false;
+        for (const auto& o : operand) any |= o.overlaps(dst, n);
+        return any;
+    }
 
 private:
     template <class Take> Registers<T, N> each(Take take) const {
@@ -119,6 +126,7 @@ template <class T> struct NoOperand {
     static void advance(ptrdiff_t) {}
     static void prefetch(ptrdiff_t) {}
     bool written_ahead_by(const T*, ptrdiff_t) const { return false; }
+    bool overlaps(const T*, ptrdiff_t) const { return false; }
 };
 
 // What becomes of the destination: all samples are written.
@@ -159,6 +167,12 @@ template <class Op, class A> inline constexpr bool unrolls = !is_long_code<Op> &
 
 // Kernels whose lanes depend on one another: a row's registers must start where the row does.
 template <class Op> inline constexpr bool in_registers_of_row = requires { Op::in_fours; };
+
+// Lines of the cache that an operand reads for one of the destination.
+template <class A> constexpr ptrdiff_t lines_of() {
+    if constexpr (requires { A::lines; }) return A::lines;
+    else return 1;
+}
 
 // All ones in the first n lanes, zero behind them.
 template <class T> Vec<T> first_lanes(int n) {
@@ -227,7 +241,7 @@ template <class Writes, class T, class A, class Op>
     };
     ptrdiff_t i = 0;
     if constexpr (requires { op.usual(Vec<T>{}); } && std::is_same_v<Writes, WriteAll<T>>) i = detail::usual_row(a, dst, n, op);
-    if constexpr (detail::unrolls<Op, A>) {
+    if constexpr (detail::unrolls<Op, A>) { // NOLINT(bugprone-branch-clone)
 #pragma GCC unroll 4
         for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
     } else {
@@ -243,31 +257,38 @@ template <class Writes, class T, class A, class Op>
     if constexpr (detail::has_zero_flag<Op> || detail::has_status<Op>) kernel = op; // what it saw; others are shared by threads
 }
 
-// The same row when the whole destination is too large to stay in a cache: results are made a few cache lines at a time and leave by
-// streaming stores, so that the destination is not read first. So few that the next ones are computed while these leave, and the
-// sources are asked for ahead of time, as the processor does not do it by itself across such rounds.
-template <class T, class A, class Op> void streaming_row(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op) {
-    constexpr ptrdiff_t line = 64 / ptrdiff_t{sizeof(T)}, chunk = 6 * line, ahead = chunk + 64 * line; // chunks are whole patterns
+// The same row of an image that is too large to stay in a cache: by pieces, each asked for ahead of time, as the processor does not do it by
+// itself across them. Where everything is written and nothing of it read, results leave by streaming stores, so that the destination is not
+// read first.
+template <class Writes, class T, class A, class Op> void large_row(const A& a, const T* b, T* dst, ptrdiff_t n, Op& op, bool streams) {
+    constexpr ptrdiff_t line = line_bytes / ptrdiff_t{sizeof(T)}, piece = piece_bytes / ptrdiff_t{sizeof(T)};
+    constexpr ptrdiff_t ahead = std::max(piece, ahead_bytes / ptrdiff_t{sizeof(T)} / detail::lines_of<A>());
     constexpr bool reads_b = !leaves_row_unread<Op, A>;
-    alignas(64) T buffer[chunk];
-    const ptrdiff_t misaligned = static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % 64);
-    const bool overlaps = (reads_b && b < dst + n && dst < b + n) || a.written_ahead_by(dst, n);
-    if (overlaps || misaligned % ptrdiff_t{detail::unit_of<Op>() * sizeof(T)} != 0) return row<WriteAll<T>>(a, b, dst, n, op);
-    const ptrdiff_t head = std::min(n, (64 - misaligned) % 64 / ptrdiff_t{sizeof(T)});
-    if (detail::in_registers_of_row<Op> && head % lanes<T> != 0) return row<WriteAll<T>>(a, b, dst, n, op);
-    if (head > 0) row<WriteAll<T>>(a, b, dst, head, op);
-    const ptrdiff_t last = head + (n - head) / line * line;
-    A at = a.from(head);
-    for (ptrdiff_t i = head; i < last; i += chunk, at.advance(chunk)) {
-        const ptrdiff_t count = std::min(chunk, last - i);
-        row<WriteAll<T>>(at, b + i, buffer, count, op);
+    const ptrdiff_t misaligned = static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % line_bytes);
+    const ptrdiff_t head = streams ? std::min(n, (line_bytes - misaligned) % line_bytes / ptrdiff_t{sizeof(T)}) : 0;
+    if ((reads_b && RowOperand<T>{b}.overlaps(dst, n)) || a.overlaps(dst, n) ||
+        (streams && misaligned % ptrdiff_t{detail::unit_of<Op>() * sizeof(T)} != 0) ||
+        (detail::in_registers_of_row<Op> && head % lanes<T> != 0))
+        return row<Writes>(a, b, dst, n, op);
+    if (head > 0) row<Writes>(a, b, dst, head, op);
+    const ptrdiff_t whole = (n - head) / line * line, part = (n - head) - whole;
+    alignas(line_bytes) T buffer[piece];
+    A at[most_places + 1] = {a, a, a, a, a};
+    ptrdiff_t next_of[most_places + 1] = {-1, -1, -1, -1, -1};
+    by_places(whole, line, ahead, [&](int place, ptrdiff_t i, ptrdiff_t count, ptrdiff_t next) {
+        i += head;
+        if (next_of[place] != i) at[place] = a.from(i);
         for (ptrdiff_t k = 0; k < count; k += line) {
-            at.prefetch(k + ahead);
-            if (reads_b) prefetch(b + i + k + ahead);
-            for (ptrdiff_t m = k; m < k + line; m += lanes<T>) store_streaming(dst + i + m, raw(load(buffer + m)));
+            at[place].prefetch(k + next);
+            if (reads_b) prefetch(b + i + k + next);
+            if (!std::is_same_v<Writes, WriteAll<T>>) prefetch(dst + i + k + next);
         }
-    }
-    if (last < n) row<WriteAll<T>>(A(a.from(last)), b + last, dst + last, n - last, op);
+        row<Writes>(at[place], b + i, streams ? buffer : dst + i, count, op);
+        if (streams)
+            for (ptrdiff_t k = 0; k < count; k += lanes<T>) store_streaming(dst + i + k, raw(load(buffer + k)));
+        at[place].advance(count), next_of[place] = i + count;
+    });
+    if (part > 0) row<Writes>(A(a.from(n - part)), b + n - part, dst + n - part, part, op);
 }
 
 } // namespace zeti

@@ -22,6 +22,8 @@ private:
     Zet8u bytes_[2 * longest];
 };
 
+inline constexpr ptrdiff_t set_is_large_from = 1048576; // bytes of a row
+
 // Fills n bytes with the pattern. The streaming form's caller closes with streaming_fence().
 inline void owniSet_8u(const FillPattern& pattern, Zet8u* dst, ptrdiff_t n, Cache cache) {
     ptrdiff_t i = 0;
@@ -29,11 +31,23 @@ inline void owniSet_8u(const FillPattern& pattern, Zet8u* dst, ptrdiff_t n, Cach
         store(dst, pattern.at(0)); // one unaligned register, then on from the next boundary
         i = 16 - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & 15);
         const auto a = pattern.at(i), b = pattern.at(i + 16), c = pattern.at(i + 32);
-        const auto round = [&](auto store_aligned) __attribute__((always_inline)) {
-            for (; i <= n - 48; i += 48) store_aligned(dst + i, a), store_aligned(dst + i + 16, b), store_aligned(dst + i + 32, c);
+        const auto round = [=](ptrdiff_t at, auto store_aligned) __attribute__((always_inline)) {
+            store_aligned(dst + at, a), store_aligned(dst + at + 16, b), store_aligned(dst + at + 32, c);
         };
-        if (cache == Cache::streaming) round([](Zet8u* p, Vec<Zet8u> v) { store_streaming(p, raw(v)); });
-        else round([](Zet8u* p, Vec<Zet8u> v) { store(p, v); });
+        if (cache == Cache::streaming) {
+            for (; i <= n - 48; i += 48) round(i, [](Zet8u* p, Vec<Zet8u> v) { store_streaming(p, raw(v)); });
+        } else {
+            const auto plain = [=](ptrdiff_t at) __attribute__((always_inline)) {
+                round(at, [](Zet8u* p, Vec<Zet8u> v) { store(p, v); });
+            };
+            if (const ptrdiff_t from = i; n >= set_is_large_from) { // what is not in the cache is asked for before it is written
+                by_places(n - from, line_bytes, ahead_bytes, [=, &i](int, ptrdiff_t x, ptrdiff_t count, ptrdiff_t next) {
+                    for (ptrdiff_t k = 0; k < count; k += line_bytes) prefetch(dst + from + x + k, next);
+                    for (i = from + x; i <= from + x + count - 48; i += 48) plain(i);
+                });
+            }
+            for (; i <= n - 48; i += 48) plain(i);
+        }
     }
     for (; i <= n - 16; i += 16) store(dst + i, pattern.at(i));
     if (i < n) store_bytes(dst + i, raw(pattern.at(i)), static_cast<int>(n - i));
