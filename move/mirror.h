@@ -56,7 +56,8 @@ template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptr
 // owniFlip_8u_C1 on two runs of pixels that change places; `transfer` reverses or moves. The next of them lie behind a and, mostly, before b.
 template <int Pixel, class Transfer> void exchange(Zet8u* a, Zet8u* b, ptrdiff_t n, Transfer transfer) {
     alignas(16) Zet8u kept[kept_bytes];
-    for (ptrdiff_t k = 0; k < n * Pixel; k += line_bytes) prefetch(a + k, kept_bytes), prefetch(b + k, -kept_bytes);
+    if (n * Pixel == kept_bytes)
+        for (ptrdiff_t k = 0; k < kept_bytes; k += line_bytes) prefetch(a + k, kept_bytes), prefetch(b + k, -kept_bytes);
     owniCopy_8u_C1(a, kept, n * Pixel, Cache::plain);
     transfer(b, a, n);
     transfer(kept, b, n);

@@ -17,14 +17,18 @@ inline void copy_in_order(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
     if (i < n) store_bytes(dst + i, load_bytes(src + i, static_cast<int>(n - i)), static_cast<int>(n - i));
 }
 
-// Of two that do not overlap: the first and the last register cover what is left beside the aligned ones.
+// Of two that do not overlap: the first and the last registers cover what is left beside the aligned ones.
 inline void copy_plain(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
     if (n < 16) return copy_in_order(src, dst, n);
-    store(dst, load(src));
-    ptrdiff_t i = 16 - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & 15);
-    for (; i <= n - 64; i += 64) {
+    const auto four = [=](ptrdiff_t i) __attribute__((always_inline)) {
         const auto a = load(src + i), b = load(src + i + 16), c = load(src + i + 32), d = load(src + i + 48);
         store(dst + i, a), store(dst + i + 16, b), store(dst + i + 32, c), store(dst + i + 48, d);
+    };
+    store(dst, load(src));
+    ptrdiff_t i = 16 - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & 15);
+    if (n >= 64) {
+        for (; i < n - 64; i += 64) four(i);
+        return four(n - 64);
     }
     for (; i < n - 16; i += 16) store(dst + i, load(src + i));
     store(dst + n - 16, load(src + n - 16));
