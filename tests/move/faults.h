@@ -15,7 +15,7 @@ namespace test {
 class Faults {
 public:
     // An argument that is `bad` in place of what it is.
-    template <class A> Faults& add(ZetStatus status, A& argument, std::initializer_list<A> bad) {
+    template <class A> Faults& add(ZetStatus status, A& argument, std::initializer_list<std::type_identity_t<A>> bad) {
         for (A other : bad) faults_.push_back({status, [&argument, other]() mutable { std::swap(argument, other); }});
         return *this;
     }

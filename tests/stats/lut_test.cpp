@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // LUT, LUT_Linear and LUT_Cubic against the rules, sample by sample.
 #include "tests/stats/tables.h"
-#include "tests/support/checksum.h"
 
 using namespace test;
 
@@ -32,12 +31,12 @@ template <class T> struct Lut : TableCall<T> {
     Curve curve;
     std::vector<V> x[4], y[4];
 
-    Lut(Curve k, TableLayout l, bool inPlace)
+    Lut(Curve k, const PixelLayout& l, bool inPlace)
         : TableCall<T>(inPlace ? TableCall<T>::lut_in_place : TableCall<T>::lut, curve_names[static_cast<int>(k)], l), curve(k) {}
 
     void use(int c, const std::vector<V>& at, const std::vector<V>& values) {
         x[c] = at, y[c] = values;
-        this->levels[c] = x[c].data(), this->values[c] = y[c].data(), this->counts[c] = static_cast<int>(at.size());
+        this->levels.entry[c] = x[c].data(), this->values.entry[c] = y[c].data(), this->counts.entry[c] = static_cast<int>(at.size());
     }
     // Levels that ascend, all of them or most; cubics want four different ones.
     void random(Random& r, int c, int n) {
@@ -112,7 +111,7 @@ private:
 
 template <class Use> void each_member(Use use) {
     for (const Curve k : {Curve::steps, Curve::linear, Curve::cubic})
-        for (const TableLayout& l : table_layouts)
+        for (const PixelLayout& l : pixel_layouts)
             for (const bool inPlace : {false, true})
                 use(Lut<Zet8u>(k, l, inPlace)), use(Lut<Zet16u>(k, l, inPlace)), use(Lut<Zet16s>(k, l, inPlace)),
                     use(Lut<Zet32f>(k, l, inPlace));
@@ -127,7 +126,7 @@ template <class T> void check(Lut<T>& f, Random& r, int width, int height, Check
         for (int i = 0; i < from.row_samples(); ++i) {
             const int c = i % f.layout.channels;
             if (c == f.layout.colours || r.chance(4)) continue;
-            const double level = static_cast<double>(f.x[c][r.between(0, f.counts[c] - 1)]) + r.between(-1, 1);
+            const double level = static_cast<double>(f.x[c][r.between(0, f.counts.entry[c] - 1)]) + r.between(-1, 1);
             from.set(y, i, saturated<T>(level));
         }
     std::vector<std::pair<T, T>> both;
@@ -143,14 +142,14 @@ template <class T> void check(Lut<T>& f, Random& r, int width, int height, Check
             const T got = dst.at(y, i);
             dst.expect(y, i, got >= low && got <= high ? got : low); // a NaN passes with its bits, which differ from none
         }
-    ASSERT_TRUE(dst.intact()) << f.name << ", " << f.counts[0] << " levels";
+    ASSERT_TRUE(dst.intact()) << f.name << ", " << f.counts.entry[0] << " levels";
     ASSERT_TRUE(src.intact()) << f.name;
     if (sum) sum->add(dst);
 }
 
 TEST(Lut, EveryMemberAtEveryWidth) {
     Checksum sum;
-    each_member([&](auto f) {
+    each_member([&](auto&& f) {
         using T = std::remove_const_t<std::remove_pointer_t<decltype(f.src)>>;
         Random r(f.name);
         for (int width = 1; width <= 40; width += sizeof(T) == 2 ? 3 : 1) {
@@ -165,7 +164,7 @@ TEST(Lut, EveryMemberAtEveryWidth) {
 TEST(Lut, SearchAndTableAgree) {
     const auto type = []<class T>(T) {
         for (const Curve k : {Curve::steps, Curve::linear, Curve::cubic})
-            for (const TableLayout& l : table_layouts)
+            for (const PixelLayout& l : pixel_layouts)
                 for (const auto& [width, height] : {std::pair{64, 64}, {241, 17}}) { // 4096 and 4097 pixels
                     Lut<T> f(k, l, false);
                     Random r(f.name + std::to_string(height));
@@ -181,58 +180,18 @@ TEST(Lut, SearchAndTableAgree) {
 }
 
 TEST(Lut, OrderOfChecksAndRefusals) {
-    each_member([](auto f) {
+    each_member([](auto&& f) {
         using T = std::remove_const_t<std::remove_pointer_t<decltype(f.src)>>;
         Random r(f.name);
         Image<T> src(r, 5, 4, f.layout.channels), dst(r, 5, 4, f.layout.channels);
         for (int c = 0; c < f.layout.colours; ++c) f.random(r, c, 9);
         f.src = src.data(), f.srcStep = src.step, f.dst = dst.data(), f.dstStep = dst.step, f.roi = {5, 4};
         const auto intact = [&] { return static_cast<bool>(dst.intact()); };
-        expect_sequence(static_cast<const TableCall<T>&>(f), f.errors(), intact);
+        f.expect_order(intact);
         const bool steps = f.curve == Curve::steps;
         const bool allocates = is_float<T> ? !steps : sizeof(T) == 2 && !(steps && f.layout.channels != 4);
-        EXPECT_EQ(refuse_each(f, intact), allocates) << f.name;
+        EXPECT_EQ(f.refuse_each(intact), allocates) << f.name;
     });
-}
-
-// What one sample of a C1 image becomes.
-template <class T>
-T one(Curve k, const std::vector<typename TableCall<T>::V>& levels, const std::vector<typename TableCall<T>::V>& values, T v) {
-    Lut<T> f(k, table_layouts[0], false);
-    Image<T> src(1, 1, 1, sizeof(T)), dst(1, 1, 1, sizeof(T));
-    src.set(0, 0, v);
-    f.use(0, levels, values);
-    f.run_on(src, dst);
-    return dst.at(0, 0);
-}
-
-TEST(Lut, ByHand) {
-    const auto linear = [](const std::vector<int>& levels, const std::vector<int>& values, int v) {
-        return int{one<Zet8u>(Curve::linear, levels, values, static_cast<Zet8u>(v))};
-    };
-    EXPECT_EQ(linear({10, 20}, {0, 5}, 11), 1);   // 0.5 goes up
-    EXPECT_EQ(linear({0, 100}, {-1, -1}, 50), 0); // -0.5 towards zero
-    EXPECT_EQ(linear({-5, 1}, {100, 0}, 0), 100); // one sample is left: no line
-    EXPECT_EQ(linear({0, 256, 400}, {0, 128, 7}, 254), 127);
-    EXPECT_EQ(linear({0, 256, 300, 400}, {0, 128, 33, 7}, 255), 33); // of intervals above all samples the last decides about 255
-    EXPECT_EQ(int{one<Zet16s>(Curve::linear, {32768, 40000}, {5, 6}, 32767)}, 5);
-    EXPECT_EQ(int{one<Zet8u>(Curve::steps, {300, 400}, {5, 6}, 255)}, 255); // not so with constants
-    EXPECT_EQ(int{one<Zet8u>(Curve::steps, {10, 20, 30}, {300, -4, 9}, 10)}, 255);
-    EXPECT_EQ(int{one<Zet8u>(Curve::steps, {10, 20, 30}, {300, -4, 9}, 29)}, 0);
-    EXPECT_EQ(int{one<Zet8u>(Curve::steps, {10, 20, 30}, {300, -4, 9}, 30)}, 30);
-
-    const std::vector<int> levels = {10, 70, 200}, values = {40, 5, 230};
-    for (int v = 0; v < 256; ++v)
-        EXPECT_EQ(int{one<Zet8u>(Curve::cubic, levels, values, static_cast<Zet8u>(v))}, linear(levels, values, v));
-    for (int v = 0; v < 200; ++v) // a cubic goes through its points
-        EXPECT_EQ(int{one<Zet8u>(Curve::cubic, {0, 50, 100, 200}, {0, 15, 125, 216}, static_cast<Zet8u>(v))} == 125, v == 100) << v;
-
-    const auto steps = [](const std::vector<Zet32f>& x, Zet32f v) { return one<Zet32f>(Curve::steps, x, {1, 2, 3, 4, 5}, v); };
-    EXPECT_EQ(steps({0, 100, 50, 200, 300}, 60), 1); // the first interval that holds it
-    EXPECT_EQ(steps({100, 0, 50, 20, 300}, 30), 2);
-    EXPECT_EQ(steps({0, 1, 2, 3, 4}, 4), 4); // the last level belongs to none: the sample itself
-    const Zet32f same_nan = one<Zet32f>(Curve::cubic, {0, 1, 2, 3, 4}, {1, 2, 3, 4, 5}, load<Zet32f>("\x21\x43\xC5\xFF"));
-    EXPECT_EQ(std::memcmp(&same_nan, "\x21\x43\xC5\xFF", 4), 0);
 }
 
 } // namespace

@@ -90,7 +90,7 @@ TEST(Reductions, ChecksInTheirOrder) {
         Zet8u above[4][16] = {}; // the upper bound in one channel
         for (int c = 0; m.counts() && c < m.layout.colours; ++c) {
             store(m.type, above[c] + c * bytes_of(m.type), 6);
-            faults.add<const void*>(zetStsRangeErr, call.lower, {above[c]});
+            faults.add(zetStsRangeErr, call.lower, {above[c]});
         }
         faults.expect_order(
             m.name(), [&] { return call.run(); }, [&] { return call.results == Results(); });
