@@ -45,11 +45,6 @@ template <class Use> void each_member(Use use) {
         use(Member{"CopyManaged", Type::u8, forms[0]});
 }
 
-int any_step(Random& r, int row) {
-    const int gap = r.pick({0, 1, r.between(0, 70)});
-    return (row + gap) * r.pick({1, -1, 0});
-}
-
 // One call: its arguments, and its images, one on either side or one for each plane, all planes with the same step.
 struct Call {
     const Member m;
@@ -64,12 +59,14 @@ struct Call {
     bool planes = true; // the arrays themselves are there
 
     Call(const Member& given, Random& r, ZetiSize size, bool contiguous)
-        : m(given), roi(size), constants(m.form.moved * m.size(), 1, 1, 0), masks(roi.width, roi.height, 1, any_step(r, roi.width)),
+        : m(given), roi(size), constants(m.form.moved * m.size(), 1, 1, 0),
+          masks(roi.width, roi.height, 1, any_step(r, roi.width, {1, -1, 0})),
           srcChannel(m.form.moved == 1 ? r.between(0, m.form.from - 1) : 0),
           dstChannel(m.form.moved == 1 ? r.between(0, m.form.to - 1) : 0) {
         fill_constants(r, m.type, constants);
         const auto add = [&](std::deque<Image<Zet8u>>& side, int channels, bool apart, int channel, auto& pointers) {
-            const int pixel = (apart ? 1 : channels) * m.size(), row = roi.width * pixel, step = contiguous ? row : any_step(r, row);
+            const int pixel = (apart ? 1 : channels) * m.size(), row = roi.width * pixel,
+                      step = contiguous ? row : any_step(r, row, {1, -1, 0});
             for (int p = 0; p < (apart ? channels : 1); ++p) {
                 const Fence fence = r.chance(2) ? Fence::behind : Fence::before;
                 side.emplace_back(roi.width, roi.height, pixel, step, fence, r.pick({0, r.between(0, 15)})).fill(r, r.pattern());
