@@ -342,13 +342,11 @@ TEST(MomentNumbers, AreThoseOfTheProcessor) {
         const long double x = static_cast<long double>(p) / static_cast<long double>(q), y = static_cast<long double>(s);
         const zeti::Extended a = zeti::Extended(p) / zeti::Extended(q), b = s;
         const double d = static_cast<double>(x);
-        ASSERT_TRUE(same_number(a, x)) << p << " / " << q;
-        ASSERT_TRUE(same_number(a * b, x * y)) << p << " / " << q << " * " << s;
-        ASSERT_TRUE(same_number(a + b, x + y)) << p << " / " << q << " + " << s;
-        ASSERT_TRUE(same_number(a - b, x - y)) << p << " / " << q << " - " << s;
-        ASSERT_TRUE(same_number(b - a * b, y - x * y));
+        const std::pair<zeti::Extended, long double> numbers[] = {{a, x},         {a * b, x * y},         {a + b, x + y},
+                                                                  {a - b, x - y}, {b - a * b, y - x * y}, {zeti::Extended(d), d}};
+        for (const auto& [ours, processors] : numbers)
+            ASSERT_TRUE(same_number(ours, processors)) << p << ' ' << q << ' ' << s << ", number " << processors;
         ASSERT_TRUE(x < 0 || same_number(square_root(a), std::sqrt(x))) << p << " / " << q;
-        ASSERT_TRUE(same_number(zeti::Extended(d), static_cast<long double>(d))) << d;
     }
 }
 
