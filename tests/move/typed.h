@@ -22,18 +22,22 @@ template <class Use> auto with_type(Type t, Use use) {
     }
 }
 
-inline std::string token(Type t) {
-    return with_type(t, []<class T>(T) { return token<T>(); });
-}
-inline int bytes_of(Type t) {
-    return with_type(t, []<class T>(T) { return int{sizeof(T)}; });
-}
-inline double lowest(Type t) {
-    return with_type(t, []<class T>(T) { return static_cast<double>(std::numeric_limits<T>::lowest()); });
-}
-inline double highest(Type t) {
-    return with_type(t, []<class T>(T) { return static_cast<double>(std::numeric_limits<T>::max()); });
-}
+struct Properties {
+    const char* token;
+    int bytes;
+    double lowest, highest;
+};
+constexpr Properties properties[] = {{"8u", 1, 0, 255},
+                                     {"8s", 1, -128, 127},
+                                     {"16u", 2, 0, 65535},
+                                     {"16s", 2, -32768, 32767},
+                                     {"32u", 4, 0, 4294967295.0},
+                                     {"32s", 4, -2147483648.0, 2147483647},
+                                     {"32f", 4, -std::numeric_limits<Zet32f>::max(), std::numeric_limits<Zet32f>::max()}};
+inline std::string token(Type t) { return properties[static_cast<int>(t)].token; }
+inline int bytes_of(Type t) { return properties[static_cast<int>(t)].bytes; }
+inline double lowest(Type t) { return properties[static_cast<int>(t)].lowest; }
+inline double highest(Type t) { return properties[static_cast<int>(t)].highest; }
 inline double load(Type t, const void* p) {
     return with_type(t, [=]<class T>(T) { return static_cast<double>(load<T>(p)); });
 }
@@ -49,8 +53,9 @@ inline double random_sample(Random& r, Type t, Random::Pattern p, int i) {
 // A whole number, within the bounds of the type; the least for NaN.
 inline double saturated(Type t, double v) { return v >= highest(t) ? highest(t) : v > lowest(t) ? v : lowest(t); }
 
-inline int any_step(Random& r, int row, std::initializer_list<int> directions) {
-    const int gap = r.pick({0, 1, r.between(0, 70)});
+// Rows of so many bytes, none or some units apart.
+inline int any_step(Random& r, int row, std::initializer_list<int> directions, int unit = 1) {
+    const int gap = r.pick({0, 1, r.between(0, 70)}) * unit;
     return (row + gap) * r.pick(directions);
 }
 
@@ -63,12 +68,12 @@ public:
     Samples(Type t, int w, int h, int c, int rowStep, Fence fence = Fence::behind, int offset = 0)
         : Image(w, h, c * bytes_of(t), rowStep, fence, offset), type(t), row(w * c) {}
     // Any step, offset and samples.
-    Samples(Random& r, Type t, int w, int h, int c, std::initializer_list<int> directions = {1})
+    Samples(Random& r, Type t, int w, int h, int c, std::initializer_list<int> directions = {1}, int unit = 1)
         : Samples{t,
                   w,
                   h,
                   c,
-                  any_step(r, w * c * bytes_of(t), directions),
+                  any_step(r, w * c * bytes_of(t), directions, unit),
                   r.pick({Fence::behind, Fence::before}),
                   r.pick({0, r.between(0, 15)})} {
         fill(r, r.pattern());
@@ -81,6 +86,9 @@ public:
     }
     double value(int y, int i) const { return load(type, data() + static_cast<long>(y) * step + i * bytes_of(type)); }
     void put(int y, int i, double v) { write(y, i, v, &Image::set); }
+    void copy(const Samples& from, int y, int i) { // of the same size
+        for (int b = i * bytes_of(type); b < (i + 1) * bytes_of(type); ++b) set(y, b, from.at(y, b));
+    }
     void want(int y, int i, double v) { write(y, i, v, &Image::expect); }
 
 private:

@@ -24,36 +24,31 @@ template <class T> Zet64f of_constants(const std::string& family, const PixelLay
 // From 32769 pixels on the roots of strips are squared and added: the result is not the root of the whole.
 TEST(WideNorms, StripsOf8uAreRootedTwice) {
     Random r("strips");
-    for (const PixelLayout& l : pixel_layouts) {
-        int differences = 0;
+    for (const PixelLayout& l : pixel_layouts)
         for (const int width : {32767, 32768, 32769, 32776, 65536, 65537, 100000})
-            for (int times = 0; times < 4; ++times) {
-                const std::size_t n = static_cast<std::size_t>(width) * l.channels + 1;
-                std::vector<Zet8u> a(n), b(n);
-                for (std::size_t i = 0; i < n; ++i) a[i] = r.uniform<Zet8u>(), b[i] = r.uniform<Zet8u>();
+            for (const int height : {1, 2}) {
+                std::vector<Zet8u> a(static_cast<std::size_t>(width) * l.channels + 1), b = a;
+                for (std::size_t i = 0; i < a.size(); ++i) a[i] = r.uniform<Zet8u>(), b[i] = r.uniform<Zet8u>();
                 for (const bool diff : {false, true}) {
-                    const int height = times % 2 + 1;
-                    Zet64f strips = 0, whole = 0;
-                    for (int x = 0; x < width; x += 32768) {
+                    const auto root = [&](int from, int to) {
                         Zet64f squares = 0;
-                        for (int y = 0; y < height; ++y)
-                            for (int k = x; k < std::min(width, x + 32768); ++k) {
-                                const std::size_t i = static_cast<std::size_t>(k) * l.channels + l.colours - 1 + y;
-                                const int d = a[i] - (diff ? b[i] : 0);
-                                squares += d * d;
-                            }
-                        whole += squares, strips += std::sqrt(squares) * std::sqrt(squares);
-                    }
-                    const Zet64f got = of_rows(diff ? "NormDiff_L2" : "Norm_L2", l, a, b, width, height);
-                    EXPECT_EQ(got, width > 32768 ? std::sqrt(strips) : std::sqrt(whole)) << l.name << ' ' << width;
-                    differences += got != std::sqrt(whole);
-                    if (!diff) continue;
-                    const Zet64f norm = of_rows("Norm_L2", l, b, b, width, height), rel = of_rows("NormRel_L2", l, a, b, width, height);
-                    EXPECT_EQ(rel, l.channels > 1 ? got / norm : std::sqrt(whole / std::round(norm * norm))) << l.name << ' ' << width;
+                        for (int k = from * height; k < std::min(to, width) * height;
+                             ++k) { // a column of rows one sample apart after the other
+                            const std::size_t i = static_cast<std::size_t>(k / height) * l.channels + l.colours - 1 + k % height;
+                            const int d = a[i] - (diff ? b[i] : 0);
+                            squares += d * d;
+                        }
+                        return std::sqrt(squares);
+                    };
+                    Zet64f strips = 0;
+                    for (int x = 0; x < width; x += 32768) strips += root(x, x + 32768) * root(x, x + 32768);
+                    const Zet64f got = of_rows(diff ? "NormDiff_L2" : "Norm_L2", l, a, b, width, height),
+                                 norm = of_rows("Norm_L2", l, b, b, width, height);
+                    EXPECT_EQ(got, width > 32768 ? std::sqrt(strips) : root(0, width)) << l.name << ' ' << width;
+                    EXPECT_TRUE(!diff || l.channels == 1 || of_rows("NormRel_L2", l, a, b, width, height) == got / norm)
+                        << l.name << ' ' << width;
                 }
             }
-        EXPECT_GT(differences, 0) << l.name;
-    }
 }
 
 // The sum of a block of 65536 differences of 16u has 32 bits and a sign; the denominators of NormRel have no such blocks. Integers of more
@@ -82,19 +77,6 @@ TEST(WideNorms, SumsInBlocks) {
         }
     }
     EXPECT_EQ(of_constants<Zet16u>("Norm_L2", pixel_layouts[0], 65537, 32770, 65535), root_of_squares(65535, 65537ULL * 32770)); // 2^63
-}
-
-// C1 of 16s stops after the row with an extreme, from a width of 8 on: the rows below lie behind a fence.
-TEST(NormInf, LeastOf16s) {
-    for (const int width : {7, 8, 9, 100})
-        for (const Zet16s extreme : {-32768, 32767, -32767}) {
-            Image<Zet16s> image(width, 1, 1, width * 2);
-            for (int x = 0; x < width; ++x) image.set(0, x, x == width - 1 ? extreme : 5);
-            const bool stops = width >= 8 && extreme != -32767;
-            Call call({"Norm_Inf", Type::s16, pixel_layouts[0]}, image.data(), image.step, nullptr, 0, {width, stops ? 3 : 1});
-            EXPECT_EQ(call.run(), zetStsNoErr);
-            EXPECT_EQ(call.results.value(0), extreme == -32768 && !stops ? 32768 : 32767) << width << ' ' << extreme;
-        }
 }
 
 // Single precision loses the squares of small samples; with the hint they count.
