@@ -1,40 +1,157 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the tests of reductions share: a member of one image or two with its results, and plain loops.
+// What the tests of reductions share: a member of one image or two with its results, its call, and its results by a plain loop.
 #pragma once
 
 #include <xmmintrin.h>
 
 #include "tests/arith/pixelwise.h"
+#include "tests/move/faults.h"
+#include "tests/move/typed.h"
 
 namespace test {
 
-// One call: results lie in an array with marks behind them.
-template <class T> struct Reduction {
-    using type = T;
-    std::string family; // Sum, NormDiff_L2, ...
+struct Reduction {
+    std::string family; // Sum, NormDiff_L2, MaxIndx, ...
+    Type type;
     PixelLayout layout;
+    ZetHintAlgorithm hint = zetAlgHintNone;
 
-    std::string name() const { return "zeti" + family + "_" + token<T>() + "_" + layout.name + "R"; }
-    bool two() const { return family.find("NormDiff") == 0 || family.find("NormRel") == 0; }
-    bool norm() const { return family.find("Norm") == 0; }
-    bool hinted() const { return is_float<T> && family.find("Inf") == std::string::npos; }
-    std::vector<ZetHintAlgorithm> hints() const {
-        return hinted() ? std::vector{zetAlgHintNone, zetAlgHintAccurate} : std::vector{zetAlgHintNone};
-    }
+    bool has(const char* part) const { return family.find(part) != std::string::npos; }
+    bool counts() const { return family == "CountInRange"; }
+    bool sums() const { return has("Sum") || has("Mean") || has("_L"); }
+    bool norm() const { return has("Norm"); }
+    bool two() const { return has("NormDiff") || has("NormRel"); }
+    bool hinted() const { return type == Type::f32 && sums(); }
+    bool stepped() const { return norm() || counts(); } // checks its steps
+    std::string name() const { return "zeti" + family + "_" + token(type) + "_" + layout.name + "R"; }
+};
 
-    template <class Use>
-    auto with(const T* a, int aStep, const T* b, int bStep, ZetiSize roi, Zet64f* values, ZetHintAlgorithm hint, Use use) const {
-        if (two()) return hinted() ? use(a, aStep, b, bStep, roi, values, hint) : use(a, aStep, b, bStep, roi, values);
-        return hinted() ? use(a, aStep, roi, values, hint) : use(a, aStep, roi, values);
-    }
-    ZetStatus operator()(const T* a, int aStep, const T* b, int bStep, ZetiSize roi, Zet64f* values,
-                         ZetHintAlgorithm hint = zetAlgHintNone) const {
-        return with(a, aStep, b, bStep, roi, values, hint, [&](auto... x) { return member<ZetStatus(decltype(x)...)>(name())(x...); });
+inline std::vector<Reduction> reductions() {
+    std::vector<Reduction> all = {{"Norm_Inf", Type::s32, pixel_layouts[0]}};
+    for (const PixelLayout& l : pixel_layouts)
+        for (const Type t : {Type::u8, Type::u16, Type::s16, Type::f32}) {
+            for (const char* const family : {"Sum", "Mean", "Max", "Min", "MinMax", "MaxIndx", "MinIndx", "Norm_Inf", "Norm_L1", "Norm_L2",
+                                             "NormDiff_Inf", "NormDiff_L1", "NormDiff_L2", "NormRel_Inf", "NormRel_L1", "NormRel_L2"}) {
+                all.push_back({family, t, l});
+                if (all.back().hinted()) all.push_back({family, t, l, zetAlgHintAccurate});
+            }
+            if (bytes_of(t) != 2 && l.name != std::string("C4")) all.push_back({"CountInRange", t, l});
+        }
+    return all;
+}
+
+// Up to three arrays of results, with marks behind what a member gives.
+struct Results {
+    alignas(8) Zet8u bytes[3][40];
+    Results() { std::memset(bytes, 0xC5, sizeof bytes); }
+    bool operator==(const Results& other) const { return std::memcmp(bytes, other.bytes, sizeof bytes) == 0; }
+    template <class V> void put(int array, int channel, V v) { std::memcpy(bytes[array] + channel * sizeof v, &v, sizeof v); }
+    Zet64f value(int channel) const { return load<Zet64f>(bytes[0] + channel * sizeof(Zet64f)); }
+};
+
+struct Call {
+    const Reduction m;
+    const void *a, *b;
+    int aStep, bStep;
+    ZetiSize roi;
+    Results results;
+    void* to[3] = {results.bytes[0], results.bytes[1], results.bytes[2]};
+    Zet8u bounds[2][16] = {};
+    const void *lower = bounds[0], *upper = bounds[1];
+
+    Call(const Reduction& given, const void* first, int step1, const void* second, int step2, ZetiSize size)
+        : m(given), a(first), b(second), aStep(step1), bStep(step2), roi(size) {}
+    Call(const Call&) = delete;
+
+    double bound(int upperOne, int channel) const { return load(m.type, bounds[upperOne] + channel * bytes_of(m.type)); }
+    ZetStatus run() const {
+        return with_type(m.type, [&]<class T>(T) {
+            const auto one = [&](auto... rest) {
+                const auto* p = static_cast<const T*>(a);
+                return member<ZetStatus(const T*, int, ZetiSize, decltype(rest)...)>(m.name())(p, aStep, roi, rest...);
+            };
+            const auto pair = [&](auto... rest) {
+                const auto *p = static_cast<const T*>(a), *q = static_cast<const T*>(b);
+                return member<ZetStatus(const T*, int, const T*, int, ZetiSize, decltype(rest)...)>(m.name())(p, aStep, q, bStep, roi,
+                                                                                                              rest...);
+            };
+            const auto *low = static_cast<const T*>(lower), *high = static_cast<const T*>(upper);
+            auto* const values = static_cast<Zet64f*>(to[0]);
+            auto *const best = static_cast<T*>(to[0]), *const other = static_cast<T*>(to[1]);
+            auto *const counts = static_cast<Zet32s*>(to[0]), *const x = static_cast<Zet32s*>(to[1]),
+                        *const y = static_cast<Zet32s*>(to[2]);
+            if (m.two()) return m.hinted() ? pair(values, m.hint) : pair(values);
+            if (m.sums() || m.norm()) return m.hinted() ? one(values, m.hint) : one(values);
+            if (m.counts()) return m.layout.channels == 1 ? one(counts, load<T>(low), load<T>(high)) : one(counts, low, high);
+            return m.has("Indx") ? one(best, x, y) : m.has("MinMax") ? one(best, other) : one(best);
+        });
     }
 };
 
-template <class Use> void each_layout(Use use) {
-    for (const PixelLayout& l : pixel_layouts) use(Zet8u{}, l), use(Zet16u{}, l), use(Zet16s{}, l), use(Zet32f{}, l);
+// What the samples of one channel, or differences of two, come to. Exact as long as it fits a double.
+struct Plain {
+    double sum = 0, largest = 0, magnitudes = 0, squares = 0, least, greatest;
+    int leastRow = 0, greatestRow = 0;
+
+    explicit Plain(Type t) : least(highest(t)), greatest(lowest(t)) {}
+    void take(double v, int y) {
+        sum += v, magnitudes += std::fabs(v), squares += v * v;
+        if (std::fabs(v) > largest) largest = std::fabs(v);
+        if (v < least) least = v, leastRow = y;
+        if (v > greatest) greatest = v, greatestRow = y;
+    }
+    double norm(const Reduction& m) const { return m.has("Inf") ? largest : m.has("L1") ? magnitudes : squares; } // before any root
+};
+
+inline double norm_of(const Reduction& m, const Plain& a, const Plain& b, const Plain& difference, int width) {
+    const bool squares = m.has("L2"), several = m.layout.channels > 1;
+    const double above = (m.two() ? difference : a).norm(m), below = b.norm(m);
+    if (m.name() == "zetiNorm_Inf_16s_C1R" && width >= 8 && above == 32768) return 32767;
+    if (!m.has("Rel") || below == 0) return squares && !(m.has("Rel") && several && m.type == Type::u16) ? std::sqrt(above) : above;
+    const bool ofRoots = several && m.type != Type::u16 && (m.type != Type::f32 || m.layout.channels == 3 || m.hint == zetAlgHintAccurate);
+    return !squares ? above / below : ofRoots ? std::sqrt(above) / std::sqrt(below) : std::sqrt(above / below);
+}
+
+// The results of a call, and its status.
+inline Results expected(const Call& call, const Samples& a, const Samples& b, ZetStatus& status) {
+    const Reduction& m = call.m;
+    const int channels = m.layout.channels;
+    Results results;
+    std::vector<Plain> ofA(4, Plain(m.type)), ofB = ofA, differences = ofA;
+    int counts[4] = {};
+    for (int y = 0; y < a.height; ++y)
+        for (int i = 0; i < a.row; ++i) {
+            const int c = i % channels;
+            const double v = a.value(y, i), w = m.two() ? b.value(y, i) : 1;
+            ofA[c].take(v, y), ofB[c].take(w, y), differences[c].take(v - w, y);
+            counts[c] += v >= call.bound(0, c) && v <= call.bound(1, c);
+        }
+    const bool zero =
+        m.has("Rel") && std::any_of(ofB.begin(), ofB.begin() + m.layout.colours, [](const Plain& p) { return p.largest == 0; });
+    status = zero ? zetStsDivByZero : zetStsNoErr;
+    if (zero)
+        for (Plain& p : ofB) p = Plain(m.type); // one denominator decides for all
+    if (zero && m.has("Inf") && bytes_of(m.type) == 2 && channels > 1) return results;
+    for (int c = 0; c < m.layout.colours; ++c) {
+        const Plain& p = ofA[c];
+        if (m.norm()) results.put(0, c, norm_of(m, p, ofB[c], differences[c], a.width));
+        else if (m.has("Sum")) results.put(0, c, p.sum);
+        else if (m.has("Mean"))
+            results.put(0, c, channels == 1 ? p.sum / (1.0 * a.width * a.height) : p.sum * (1.0 / (1.0 * a.width * a.height)));
+        else if (m.counts()) results.put(0, c, counts[c]);
+        else
+            with_type(m.type, [&]<class T>(T) {
+                const double best = m.has("Max") && !m.has("MinMax") ? p.greatest : p.least;
+                results.put(0, c, static_cast<T>(best));
+                if (m.has("MinMax")) results.put(1, c, static_cast<T>(p.greatest));
+                if (!m.has("Indx")) return;
+                const int y = m.has("Max") ? p.greatestRow : p.leastRow;
+                int x = 0; // of the first such sample in the row; 0 where there is none, as in rows of NaN
+                while (x < a.width && a.value(y, x * channels + c) != best) ++x;
+                results.put(1, c, x % a.width), results.put(2, c, y);
+            });
+    }
+    return results;
 }
 
 } // namespace test
