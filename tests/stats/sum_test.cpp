@@ -80,16 +80,23 @@ TEST(FloatSums, DependOnNothingButTheSamples) {
 TEST(FloatSums, ErrorsGrowWithTheRowAlone) {
     const int width = 1000, height = 1000;
     std::vector<Zet32f> image(3 * width * height);
-    __extension__ __float128 exact = 0;
-    for (size_t i = 0; i < image.size(); ++i) {
-        image[i] = 1e6F + static_cast<Zet32f>(i % 7) * 0.3F;
-        if (i % 3 == 2) exact += image[i];
-    }
-    for (const ZetHintAlgorithm hint : {zetAlgHintFast, zetAlgHintAccurate}) {
-        const double unit = hint == zetAlgHintFast ? (width / 4 + 8) * 0x1p-24 : 1.0 * width * height * 0x1p-53;
-        for (const char* const family : {"Sum", "Norm_L1"}) {
-            const double got = called(family, pixel_layouts[1], image.data(), image.data(), 12 * width, {width, height}, hint).value(2);
-            EXPECT_LE(std::fabs(static_cast<double>(got - exact)), unit * static_cast<double>(exact)) << family << hint;
+    for (const bool alternating : {false, true}) { // a large mean; terms that cancel
+        __extension__ __float128 sum = 0, magnitudes = 0, squares = 0;
+        for (size_t i = 0; i < image.size(); ++i) {
+            image[i] = (alternating && i / 3 % 2 ? -1 : 1) * (1e6F + static_cast<Zet32f>(i % 7) * 0.3F);
+            if (i % 3 != 2) continue;
+            sum += image[i], magnitudes += std::fabs(image[i]), squares += __float128(image[i]) * image[i];
+        }
+        for (const ZetHintAlgorithm hint : {zetAlgHintFast, zetAlgHintAccurate}) {
+            const double unit = hint == zetAlgHintFast ? (width / 4 + 8) * 0x1p-24 : 1.0 * width * height * 0x1p-53;
+            const auto error = [&](const char* family, auto exact, auto all) { // in units of what all terms weigh
+                __float128 got = called(family, pixel_layouts[1], image.data(), image.data(), 12 * width, {width, height}, hint).value(2);
+                if (family == std::string("Norm_L2")) got *= got;
+                return std::fabs(static_cast<double>((got - exact) / all));
+            };
+            EXPECT_LE(error("Sum", sum, magnitudes), unit) << hint;
+            EXPECT_LE(error("Norm_L1", magnitudes, magnitudes), unit) << hint;
+            EXPECT_LE(error("Norm_L2", squares, squares), unit + 0x1p-24) << hint;
         }
     }
 
