@@ -49,7 +49,8 @@ template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptr
         const ptrdiff_t ahead = next > ahead_bytes && nextBelow ? 2 * end - next : -next;
         for (ptrdiff_t k = 0; k < count; k += line_bytes) prefetch(from + k, ahead);
         Pixels::reverse(from, reversed, count / pixel);
-        owniCopy_8u_C1(reversed, dst + before + i, count, Cache::streaming);
+        if (count == piece_bytes && starts_line(dst + before + i)) stream_lines(reversed, dst + before + i, piece_bytes);
+        else owniCopy_8u_C1(reversed, dst + before + i, count, Cache::streaming);
     });
 }
 

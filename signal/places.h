@@ -19,6 +19,13 @@ inline bool starts_line(const void* p) { return reinterpret_cast<uintptr_t>(p) %
 // Bytes from p to the next line.
 inline ptrdiff_t to_line(const void* p) { return static_cast<ptrdiff_t>(-reinterpret_cast<uintptr_t>(p) % line_bytes); }
 
+// Writes whole lines past the cache; whoever calls it closes with streaming_fence().
+[[gnu::always_inline]] inline void stream_lines(const void* src, void* dst, ptrdiff_t n) {
+    const auto* const from = static_cast<const __m128i*>(src);
+    auto* const to = static_cast<__m128i*>(dst);
+    for (ptrdiff_t k = 0; k < n / 16; ++k) store_streaming(to + k, _mm_loadu_si128(from + k));
+}
+
 // take(place, i, count, next) for each piece of n: `count` from i on; what it will want soon lies `next` behind it. Place `most_places` is what
 // is left in the end. Everything is in units of which a line has `line`; `ahead` is how far to look.
 template <class Take> [[gnu::always_inline]] inline void by_places(ptrdiff_t n, ptrdiff_t line, ptrdiff_t ahead, Take take) {

@@ -284,8 +284,7 @@ template <class Writes, class T, class A, class Op> void large_row(const A& a, c
             if (!std::is_same_v<Writes, WriteAll<T>>) prefetch(dst + i + k + next);
         }
         row<Writes>(at[place], b + i, streams ? buffer : dst + i, count, op);
-        if (streams)
-            for (ptrdiff_t k = 0; k < count; k += lanes<T>) store_streaming(dst + i + k, raw(load(buffer + k)));
+        if (streams) stream_lines(buffer, dst + i, count * ptrdiff_t{sizeof(T)});
         at[place].advance(count), next_of[place] = i + count;
     });
     if (part > 0) row<Writes>(A(a.from(n - part)), b + n - part, dst + n - part, part, op);

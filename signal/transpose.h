@@ -48,7 +48,9 @@ public:
         for (ptrdiff_t x = 0; x < width; x += Square::side)
             for (ptrdiff_t y = 0; y < height; y += Square::side)
                 Square::run(in_ + y * in_step + x * Pixel, in_step, out_ + x * out_step + y * Pixel, out_step);
-        if (height == rows && cache == Cache::plain)
+        if (height == rows && cache == Cache::streaming)
+            for (ptrdiff_t x = 0; x < width; ++x) stream_lines(out_ + x * out_step, dst.row(x), rows * Pixel);
+        else if (height == rows)
             for (ptrdiff_t x = 0; x < width; ++x) std::memcpy(dst.row(x), out_ + x * out_step, rows * Pixel);
         else
             for (ptrdiff_t x = 0; x < width; ++x) owniCopy_8u_C1(out_ + x * out_step, dst.row(x), height * Pixel, cache);
