@@ -142,30 +142,4 @@ TEST(Extrema, ChecksInTheirOrder) {
     });
 }
 
-// --- MaxEvery, MinEvery --------------------------------------------------------------------------------------------------
-
-template <class T> struct Every {
-    using type = T;
-    bool greatest;
-    PixelLayout layout;
-    static constexpr bool inPlace = true;
-
-    std::string name() const { return std::string(greatest ? "zetiMaxEvery_" : "zetiMinEvery_") + token<T>() + "_" + layout.name + "IR"; }
-    static std::string parameters() { return ""; }
-    static std::vector<ZetStatus> order() { return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr}; }
-    static void prepare(Random&) {}
-    T expected(T a, T b, int) const { return (greatest ? a > b : a < b) ? a : b; } // the second one where they are equal or do not compare
-    template <class Use> void call(const Images<T>& i, Use use) const { use(i.a, i.aStep, i.d, i.dStep, i.roi); }
-};
-
-TEST(Every, EveryMemberAtEveryWidth) {
-    for (const bool greatest : {true, false}) {
-        Checksum sum;
-        each_layout([&](auto type, const PixelLayout& l) {
-            check_widths(Every<decltype(type)>{greatest, l}, &sum), check_order(Every<decltype(type)>{greatest, l});
-        });
-        EXPECT_TRUE(sum.is_known(greatest ? "MaxEvery" : "MinEvery"));
-    }
-}
-
 } // namespace
