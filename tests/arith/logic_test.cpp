@@ -1,148 +1,121 @@
 // SPDX-License-Identifier: Apache-2.0
-// And, Or, Xor, Not and their constant forms, shifts, Complement.
-#include "tests/arith/pixelwise.h"
+// And, Or, Xor, MulScale and their constant forms, Not, shifts, Complement.
+#include "tests/arith/elementwise.h"
 
 using namespace test;
 
 namespace {
 
-enum class Bits { And, Or, Xor, Not };
+template <class T> struct Plain : Elementwise<T> {
+    T (*rule)(T a, T b);
+    bool sizeFirst = false; // on C3 and C4 of two images
 
-template <class T> struct Logic {
-    using type = T;
-    Bits op;
-    bool constant;
-    PixelLayout layout;
-    bool inPlace;
-    T constants[4];
-
-    std::string family() const {
-        const std::string words[] = {"And", "Or", "Xor", "Not"};
-        return words[static_cast<int>(op)] + (constant && op != Bits::Not ? "C" : "");
-    }
-    std::string name() const { return std::string("zeti") + family() + "_" + token<T>() + "_" + layout.name + (inPlace ? "IR" : "R"); }
-    std::string parameters() const { return std::string("with ") + text(constants[0]); }
-    std::vector<ZetStatus> order() const {
-        if (!constant && layout.channels == layout.colours && layout.channels > 1) return {zetStsSizeErr, zetStsNullPtrErr, zetStsStepErr};
-        return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr};
-    }
-    void prepare(Random& r) {
-        for (T& c : constants) c = r.sample<T>(Random::mixed, 0);
-    }
-    T expected(T a, T b, int c) const {
-        const T other = constant ? constants[c] : a;
-        return static_cast<T>(op == Bits::And ? b & other : op == Bits::Or ? b | other : op == Bits::Xor ? b ^ other : ~b);
-    }
-    template <class Use> void call(const Images<T>& i, Use use) const {
+    template <class I, class Use> void call(const I& i, Use use) const {
         if constexpr (std::is_same_v<T, Zet8u>)
-            if (op == Bits::Not) return inPlace ? use(i.d, i.dStep, i.roi) : use(i.b, i.bStep, i.d, i.dStep, i.roi);
-        if (!constant) return inPlace ? use(i.a, i.aStep, i.d, i.dStep, i.roi) : use(i.a, i.aStep, i.b, i.bStep, i.d, i.dStep, i.roi);
-        by_layout(layout, constants, [&](auto v) { inPlace ? use(v, i.d, i.dStep, i.roi) : use(i.b, i.bStep, v, i.d, i.dStep, i.roi); });
+            if (this->operation == "Not") return this->one(i, use);
+        this->two_or_constants(i, use);
+    }
+    T sample(T a, T b, int c, ZetStatus&) const { return rule(this->constant ? this->constants[c] : a, b); }
+    std::vector<ZetStatus> order() const {
+        if (sizeFirst && !this->constant && this->layout.channels > 1 && this->layout.channels == this->layout.colours)
+            return {zetStsSizeErr, zetStsNullPtrErr, zetStsStepErr};
+        return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr};
     }
 };
 
-template <class T> struct Shift {
-    using type = T;
-    bool left;
-    PixelLayout layout;
-    bool inPlace;
-    Zet32u counts[4];
+template <class T> T full_scale_product(T a, T b) {
+    constexpr int n = std::numeric_limits<T>::digits;
+    const std::uint64_t t = std::uint64_t{a} * b;
+    return static_cast<T>((t + 1 + (t >> n)) >> n);
+}
 
-    std::string family() const { return left ? "LShiftC" : "RShiftC"; }
-    std::string name() const { return std::string("zeti") + family() + "_" + token<T>() + "_" + layout.name + (inPlace ? "IR" : "R"); }
+template <class T> struct Shift : Elementwise<T> {
+    bool left;
+    std::array<Zet32u, 4> counts{};
+
     std::string parameters() const {
         std::string s = "by";
-        for (int c = 0; c < layout.colours; ++c) s += ' ', s += text(counts[c]);
+        for (int c = 0; c < this->layout.colours; ++c) s += ' ', s += text(counts[c]);
         return s;
     }
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}; }
-    void prepare(Random& r) { // counts that differ, that agree, that are all too large
+    void prepare(Random& r, Image<T>&, Image<T>&) { // counts that differ, that agree, that are all too large
         const Zet32u bits = 8 * sizeof(T), one = r.between(0, bits + 1);
         const int kind = r.between(0, 5);
-        for (Zet32u& n : counts)
+        for (Zet32u& n : counts) {
+            const Zet32u any = r.between(0, bits - 1);
             n = kind == 0   ? one
                 : kind == 1 ? bits + r.between(0, 1)
-                            : r.pick<Zet32u>({0, bits - 1, bits, bits + 32, 1u << 31, ~0u, Zet32u(r.between(0, bits - 1)),
-                                              Zet32u(r.between(0, bits - 1))});
+                            : r.pick<Zet32u>({0, bits - 1, bits, bits + 32, 1u << 31, ~0u, any, any});
+        }
     }
-    T expected(T, T v, int c) const { // one bit at a time
+    template <class I, class Use> void call(const I& i, Use use) const { this->with_constants(counts, i, use); }
+    T sample(T, T v, int c, ZetStatus&) const { // one bit at a time
         std::int64_t x = v;
         for (Zet32u n = 0; n < counts[c] && n < 40; ++n) x = left ? static_cast<T>(static_cast<std::uint64_t>(x) * 2) : x >> 1;
         return static_cast<T>(x);
     }
-    template <class Use> void call(const Images<T>& i, Use use) const {
-        by_layout(layout, counts, [&](auto n) { inPlace ? use(n, i.d, i.dStep, i.roi) : use(i.b, i.bStep, n, i.d, i.dStep, i.roi); });
-    }
+    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}; }
 };
 
-template <class Use> void each_member(Use use) {
+// Negative numbers as sign and magnitude; the lowest, which has none, stays.
+struct Complement : Elementwise<Zet32s> {
+    template <class I, class Use> void call(const I& i, Use use) const { use(i.d, i.dStep, i.roi); }
+    Zet32s sample(Zet32s, Zet32s v, int, ZetStatus&) const {
+        return v < 0 && v != INT_MIN ? static_cast<Zet32s>(0x80000000u - static_cast<std::uint32_t>(v)) : v;
+    }
+    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}; }
+};
+
+template <class T> Shift<T> shift(bool left, const PixelLayout& l, bool inPlace = false) {
+    return {{left ? "LShiftC" : "RShiftC", l, inPlace}, left};
+}
+
+constexpr auto each_member = [](auto use) {
     for (const PixelLayout& l : pixel_layouts)
         for (const bool inPlace : {false, true}) {
             const auto type = [&]<class T>(T) {
-                for (const Bits op : {Bits::And, Bits::Or, Bits::Xor})
-                    for (const bool constant : {false, true}) use(Logic<T>{op, constant, l, inPlace, {}});
-                use(Shift<T>{true, l, inPlace, {}});
-                use(Shift<T>{false, l, inPlace, {}});
+                use(Plain<T>{{"And", l, inPlace}, [](T a, T b) -> T { return a & b; }, true});
+                use(Plain<T>{{"Or", l, inPlace}, [](T a, T b) -> T { return a | b; }, true});
+                use(Plain<T>{{"Xor", l, inPlace}, [](T a, T b) -> T { return a ^ b; }, true});
+                use(Plain<T>{{"AndC", l, inPlace, true}, [](T a, T b) -> T { return a & b; }});
+                use(Plain<T>{{"OrC", l, inPlace, true}, [](T a, T b) -> T { return a | b; }});
+                use(Plain<T>{{"XorC", l, inPlace, true}, [](T a, T b) -> T { return a ^ b; }});
+                use(shift<T>(true, l, inPlace)), use(shift<T>(false, l, inPlace));
+                if constexpr (std::is_same_v<T, Zet32s>) return;
+                else {
+                    use(Plain<T>{{"MulScale", l, inPlace}, full_scale_product<T>});
+                    use(Plain<T>{{"MulCScale", l, inPlace, true}, full_scale_product<T>});
+                }
             };
             type(Zet8u{}), type(Zet16u{}), type(Zet32s{});
-            use(Logic<Zet8u>{Bits::Not, true, l, inPlace, {}});
-            use(Shift<Zet8s>{false, l, inPlace, {}});
-            use(Shift<Zet16s>{false, l, inPlace, {}});
+            use(Plain<Zet8u>{{"Not", l, inPlace}, [](Zet8u, Zet8u v) -> Zet8u { return ~v; }});
+            use(shift<Zet8s>(false, l, inPlace)), use(shift<Zet16s>(false, l, inPlace));
         }
-}
+    use(Complement{{"Complement", pixel_layouts[0], true}});
+};
 
-TEST(Logic, EveryMemberAtEveryWidth) {
-    std::map<std::string, Checksum> sums;
-    each_member([&](const auto& f) { check_widths(f, &sums[f.family()]); });
-    for (const auto& [family, sum] : sums) EXPECT_TRUE(sum.is_known(family));
-}
+TEST(Logic, EveryMemberAtEveryWidth) { sweep(each_member); }
+TEST(Logic, OrderOfChecks) { check_order(each_member); }
+TEST(Logic, LargeDestination) { check_large(shift<Zet32s>(false, pixel_layouts[1])); }
 
-TEST(Logic, OrderOfChecks) {
-    each_member([](const auto& f) { check_order(f); });
-}
-
-TEST(Logic, LargeDestinations) {
-    check_large(Logic<Zet8u>{Bits::And, false, pixel_layouts[0], false, {}});
-    check_large(Logic<Zet16u>{Bits::Xor, true, pixel_layouts[1], false, {}});
-    check_large(Shift<Zet32s>{false, pixel_layouts[1], false, {}});
-}
-
-// Every sample of 8 and 16 bits by every count, alone and as one of four that differ.
+// Alone and as one of four counts that differ.
 template <class T> void every_shift(bool left) {
-    constexpr int bits = 8 * sizeof(T), samples = 1 << bits;
-    Image<T> b(samples, 1, 1, 0), d(samples, 1, 1, 0);
-    for (int i = 0; i < samples; ++i) b.set(0, i, static_cast<T>(i));
+    constexpr Zet32u bits = 8 * sizeof(T);
     for (const PixelLayout& l : {pixel_layouts[0], pixel_layouts[2]})
-        for (int n = 0; n <= bits + 2; ++n) {
-            const Shift<T> f{left, l, false, {Zet32u(n), Zet32u(bits - 1 - n % bits), Zet32u(n), Zet32u(n + 1)}};
-            for (int i = 0; i < samples; ++i) d.expect(0, i, f.expected(0, b.at(0, i), i % l.channels));
-            f.call({nullptr, 0, b.data(), samples * bits, d.data(), samples * bits, {samples / l.channels, 1}},
-                   [&](auto... a) { member<ZetStatus(decltype(a)...)>(f.name())(a...); });
-            ASSERT_TRUE(d.intact()) << f.name() << ' ' << f.parameters();
+        for (Zet32u n = 0; n <= bits + 2; ++n) {
+            auto f = shift<T>(left, l);
+            f.counts = {n, bits - 1 - n % bits, n, n + 1};
+            ASSERT_TRUE(check_pairs(f, {T(0)}, all_values<T>()));
         }
+}
+TEST(MulScale, EveryPairOf8u) {
+    const auto all = all_values<Zet8u>();
+    check_pairs(Plain<Zet8u>{{"MulScale", pixel_layouts[0]}, full_scale_product<Zet8u>}, all, all);
+    check_pairs(Plain<Zet8u>{{"MulCScale", pixel_layouts[0], false, true}, full_scale_product<Zet8u>}, all, all);
 }
 TEST(Shift, EverySampleByEveryCount) {
     every_shift<Zet8u>(true), every_shift<Zet16u>(true);
     every_shift<Zet8u>(false), every_shift<Zet8s>(false), every_shift<Zet16u>(false), every_shift<Zet16s>(false);
-}
-
-TEST(Complement, SignAndMagnitude) {
-    const auto function = member<ZetStatus(Zet32s*, int, ZetiSize)>("zetiComplement_32s_C1IR");
-    Random r("Complement");
-    for (int width = 1; width <= 40; ++width) {
-        Image<Zet32s> d(r, width, 3, 1);
-        d.set(0, 0, -1), d.set(1, 0, INT_MIN), d.set(2, 0, INT_MIN + 1);
-        for (int y = 0; y < 3; ++y)
-            for (int x = 0; x < width; ++x)
-                if (const std::int64_t v = d.at(y, x); v < 0 && v != INT_MIN)
-                    d.expect(y, x, static_cast<Zet32s>(0x80000000u + static_cast<std::uint32_t>(-v)));
-        EXPECT_EQ(function(d.data(), d.step, ZetiSize{width, 3}), zetStsNoErr);
-        ASSERT_TRUE(d.intact());
-    }
-    Image<Zet32s> d(r, 3, 2, 1);
-    const std::tuple call(d.data(), int{d.step}, ZetiSize{3, 2});
-    expect_order("zetiComplement_32s_C1IR", call, {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}, common_errors(call),
-                 [&] { return d.intact(); });
 }
 
 } // namespace

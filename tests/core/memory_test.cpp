@@ -13,52 +13,50 @@
 
 namespace {
 
-void release(void* p) { test::member<void(void*)>("zetiFree")(p); }
-
-template <class T> void allocators() {
-    for (const std::string layout : {"C1", "C2", "C3", "C4", "AC4"}) {
-        const std::string name = "zetiMalloc_" + test::token<T>() + "_" + layout;
-        const auto allocate = test::member<T*(int, int, int*)>(name);
-        const int pixel = (layout.back() - '0') * static_cast<int>(sizeof(T)), live = standin_live_blocks();
-        standin_reset();
-        for (const int width : {1, 2, 3, 11, 16, 21, 64, 65, 333})
-            for (const int height : {1, 5}) {
-                int step = -1;
-                T* const p = allocate(width, height, &step);
-                const int expected = (width * pixel + 63) / 64 * 64;
-                ASSERT_TRUE(p && reinterpret_cast<std::uintptr_t>(p) % 64 == 0) << name;
-                EXPECT_EQ(step, expected) << name << ", width " << width;
-                EXPECT_EQ(standin_last_bytes(), height * expected) << name;
-                std::memset(static_cast<void*>(p), 1, height * expected);
-                release(p);
-            }
-        EXPECT_EQ(standin_live_blocks(), live);
-
-        standin_reset();
-        for (const auto& [width, height] : {std::pair{0, 5}, {5, 0}, {-1, 5}, {5, -1}, {INT_MIN, INT_MIN}}) {
+template <class T> void allocators(const std::string& layout) {
+    const std::string name = "zetiMalloc_" + test::token<T>() + "_" + layout;
+    const auto allocate = test::member<T*(int, int, int*)>(name);
+    const int pixel = (layout.back() - '0') * static_cast<int>(sizeof(T)), live = standin_live_blocks();
+    // The size of a row wraps at 32 bits, and so does that of all rows.
+    const auto expect_size = [&](int width, int height, int step) {
+        const std::int64_t expected = (width * std::int64_t{pixel} % (std::int64_t{1} << 32) + 63) / 64 * 64;
+        EXPECT_EQ(step, static_cast<int>(expected)) << name << ", width " << width;
+        EXPECT_EQ(standin_last_bytes(), static_cast<int>(expected * height)) << name << ", width " << width;
+    };
+    for (const int width : {1, 2, 3, 11, 16, 21, 64, 65, 333})
+        for (const int height : {1, 5}) {
             int step = -1;
-            EXPECT_EQ(allocate(width, height, &step), nullptr) << name;
-            EXPECT_EQ(step, 0) << name << ' ' << width << ' ' << height;
+            T* const p = allocate(width, height, &step);
+            ASSERT_TRUE(p && reinterpret_cast<std::uintptr_t>(p) % 64 == 0) << name;
+            expect_size(width, height, step);
+            std::memset(static_cast<void*>(p), 1, height * step);
+            test::member<void(void*)>("zetiFree")(p);
         }
-        EXPECT_EQ(allocate(5, 5, nullptr), nullptr) << name;
-        EXPECT_EQ(standin_allocations(), 0) << name;
+    EXPECT_EQ(standin_live_blocks(), live);
 
-        standin_refuse_all_allocations(1); // and the products of sizes wrap
-        for (const auto& [width, height] : {std::pair{5, 5}, {INT_MAX, 1}, {0x20000001, 3}, {0x07FFFFFF, 0x123}, {1 << 30, 1}}) {
-            const std::int64_t expected = (width * std::int64_t{pixel} % (std::int64_t{1} << 32) + 63) / 64 * 64;
-            int step = -1;
-            EXPECT_EQ(allocate(width, height, &step), nullptr) << name;
-            EXPECT_EQ(step, static_cast<int>(expected)) << name << ' ' << width;
-            EXPECT_EQ(standin_last_bytes(), static_cast<int>(expected * height)) << name << ' ' << width;
-        }
-        standin_reset();
+    standin_reset();
+    for (const auto& [width, height] : {std::pair{0, 5}, {5, 0}, {-1, 5}, {5, -1}, {INT_MIN, INT_MIN}}) {
+        int step = -1;
+        EXPECT_EQ(allocate(width, height, &step), nullptr) << name;
+        EXPECT_EQ(step, 0) << name << ' ' << width << ' ' << height;
     }
+    EXPECT_EQ(allocate(5, 5, nullptr), nullptr) << name;
+    EXPECT_EQ(standin_allocations(), 0) << name;
+
+    standin_refuse_all_allocations(1);
+    for (const auto& [width, height] : {std::pair{5, 5}, {INT_MAX, 1}, {0x20000001, 3}, {0x07FFFFFF, 0x123}, {1 << 30, 1}}) {
+        int step = -1;
+        EXPECT_EQ(allocate(width, height, &step), nullptr) << name;
+        expect_size(width, height, step);
+    }
+    standin_reset();
 }
 
 TEST(Memory, Images) {
-    allocators<Zet8u>(), allocators<Zet16u>(), allocators<Zet16s>(), allocators<Zet32s>();
-    allocators<Zet32f>(), allocators<Zet32sc>(), allocators<Zet32fc>();
-    release(nullptr);
+    const auto of_types = [](auto... samples) {
+        for (const char* layout : {"C1", "C2", "C3", "C4", "AC4"}) (allocators<decltype(samples)>(layout), ...);
+    };
+    of_types(Zet8u{}, Zet16u{}, Zet16s{}, Zet32s{}, Zet32f{}, Zet32sc{}, Zet32fc{});
 }
 
 TEST(Memory, WorkBuffers) {

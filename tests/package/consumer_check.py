@@ -27,7 +27,7 @@ class Consumer(unittest.TestCase):
         self.assertEqual(names, ["libzetcore.so.7", "libzetcore.so.7.1.1", "libzeti.so", "libzeti.so.7", "libzeti.so.7.1.1"])
         headers = sorted(p.relative_to(self.prefix / "include").as_posix() for p in (self.prefix / "include").rglob("*.*"))
         self.assertEqual(headers, [f"zeti/{h.name}" for h in HEADERS])
-        self.assertEqual(elf.Elf(self.libraries / "libzeti.so").dynamic_texts(elf.DT_RUNPATH), ["$ORIGIN"])
+        self.assertEqual(elf.Elf(self.libraries / "libzeti.so").dynamic["RUNPATH"], ["$ORIGIN"])
 
     def test_find_package(self):
         build = self.folder / "consumer"

@@ -11,17 +11,13 @@ from subject import BUILD, CC, CFLAGS, SOURCE, ZETCORE, ZETI, run
 ALLOWED = {word for line in (Path(__file__).parent / "instructions.txt").read_text().splitlines()
            if not line.startswith(("#", "[")) for word in line.split()}
 
-# Functions that may use the x87 unit.
-X87_FUNCTIONS = set()
-
 PREFIXES = re.compile(r"^(?:(?:lock|rep|repz|repnz|repe|repne|data16|addr32|[cdefgs]s|bnd|notrack|rex(?:\.\w+)?) )+")
-X87 = re.compile(r"f\w+|wait")
 LINE = re.compile(r"\s*[0-9a-f]+:\t((?:[0-9a-f]{2} )+)\s*\t?(.*)")
 FUNCTION = re.compile(r"[0-9a-f]+ <(.+)>:")
 LATE_OPCODES = re.compile(r"^(?:(?:66|67|f2|f3|2e|36|3e|26|64|65|4[0-9a-f]) )*0f 3[8a] ")  # both maps came after SSE2
 
 
-def findings(binary, x87_functions=()):
+def findings(binary):
     """(function, instruction) for everything outside the list, and the number of instructions seen."""
     found, seen, function = [], 0, ""
     for line in run("objdump", "-d", "-w", "-M", "intel", binary).splitlines():
@@ -29,12 +25,12 @@ def findings(binary, x87_functions=()):
             function = header[1]
         elif (match := LINE.fullmatch(line)) and match[2]:
             seen += 1
-            if not allowed(match[1], match[2].split("#")[0].strip(), function in x87_functions):
+            if not allowed(match[1], match[2].split("#")[0].strip()):
                 found.append((function, match[2].strip()))
     return found, seen
 
 
-def allowed(code, text, x87):
+def allowed(code, text):
     bare = PREFIXES.sub("", text + " ").strip()
     mnemonic = bare.split()[0] if bare else "nop"  # prefixes alone: padding
     if LATE_OPCODES.match(code) or re.search(r"\bmm[0-7]\b", bare):
@@ -43,19 +39,15 @@ def allowed(code, text, x87):
         # How the disassembler reads `rep bsf`, the compiler's bsf for a source that is known not to be zero. Every
         # processor runs it, with the same result. The other tzcnt needs a flag or an attribute: see Flags below.
         return True
-    return mnemonic in ALLOWED or (x87 and X87.fullmatch(mnemonic) is not None)
+    return mnemonic in ALLOWED
 
 
 class Instructions(unittest.TestCase):
-    def test_libzeti(self):
-        found, seen = findings(ZETI, X87_FUNCTIONS)
-        self.assertEqual(found, [])
-        self.assertGreater(seen, 1000)
-
-    def test_libzetcore(self):
-        found, seen = findings(ZETCORE)
-        self.assertEqual(found, [])
-        self.assertGreater(seen, 20)
+    def test_both_libraries(self):
+        for library, least in ((ZETI, 1000), (ZETCORE, 20)):
+            found, seen = findings(library)
+            self.assertEqual(found, [])
+            self.assertGreater(seen, least)
 
 
 class Flags(unittest.TestCase):
@@ -77,12 +69,12 @@ class Flags(unittest.TestCase):
 class SelfTest(unittest.TestCase):
     """The checker sees what it is there to see."""
 
-    def check(self, instructions, x87_functions=()):
+    def check(self, instructions):
         with tempfile.TemporaryDirectory() as folder:
             binary = Path(folder) / "sample.o"
             source = "sample:\n" + "\n".join(instructions) + "\n"
             run(CC, *CFLAGS, "-c", "-x", "assembler", "-", "-o", binary, input=source)
-            return findings(binary, x87_functions)
+            return findings(binary)
 
     def test_later_instructions_are_found(self):
         late = ["pshufb %xmm1, %xmm0", "pabsw %xmm1, %xmm0", "haddps %xmm1, %xmm0", "lddqu (%ecx), %xmm0", "movddup %xmm1, %xmm0",
@@ -102,10 +94,6 @@ class SelfTest(unittest.TestCase):
         found, seen = self.check(base)
         self.assertEqual(found, [])
         self.assertEqual(seen, len(base))
-
-    def test_x87_passes_only_in_the_functions_that_are_named(self):
-        self.assertEqual(self.check(["fld1", "fstp %st"], {"sample"})[0], [])
-        self.assertEqual(len(self.check(["fld1", "fstp %st"], {"other"})[0]), 2)
 
 
 if __name__ == "__main__":

@@ -32,9 +32,10 @@ public:
         for (long i = 0; i < size_; ++i) base_[i] = static_cast<unsigned char>(0xC5 ^ i * 37);
         shadow_.assign(base_, base_ + size_);
     }
-    // Any offset, any gap, a step that points in one of the given directions, and samples of any pattern.
-    Image(Random& r, int w, int h, int c, std::initializer_list<int> directions = {1}, bool gaps = true)
-        : Image{w, h, c, random_step(r, w * c, directions, gaps), r.pick({Fence::behind, Fence::before}), r.pick({0, r.between(0, 15)})} {
+    // Any offset, any gap of whole units, a step that points in one of the given directions, and samples of any pattern.
+    Image(Random& r, int w, int h, int c, std::initializer_list<int> directions = {1}, int gapUnit = 1)
+        : Image{
+              w, h, c, random_step(r, w * c, directions, gapUnit), r.pick({Fence::behind, Fence::before}), r.pick({0, r.between(0, 15)})} {
         fill(r, r.pattern());
     }
     Image(const Image&) = delete;
@@ -75,8 +76,8 @@ public:
     }
 
 private:
-    static int random_step(Random& r, int samples, std::initializer_list<int> directions, bool gaps) {
-        const int gap = gaps ? r.pick({0, 1, r.between(0, 70)}) : 0;
+    static int random_step(Random& r, int samples, std::initializer_list<int> directions, int gapUnit) {
+        const int gap = gapUnit ? gapUnit * r.pick({0, 1, r.between(0, 70)}) : 0;
         return (samples * static_cast<int>(sizeof(T)) + gap) * r.pick(directions);
     }
     long row_bytes() const { return row_samples() * static_cast<long>(sizeof(T)); }

@@ -2,8 +2,7 @@
 // The guard itself: the fence bites, and a stray write is found and told by its place.
 #include "tests/support/image.h"
 
-using test::Fence;
-using test::Image;
+using namespace test;
 
 TEST(Guard, FenceBites) {
     for (const int step : {7, 9, -9}) {
@@ -19,24 +18,21 @@ TEST(Guard, FenceBites) {
 }
 
 TEST(Guard, TellsThePlaceOfAStrayWrite) {
-    const struct {
-        int step, at;
-        const char* message;
-    } cases[] = {{9, -1, "1 bytes above the image"},
-                 {9, 17, "3 bytes into the gap behind row 1"},
-                 {9, 24, "1 bytes below the image"},
-                 {9, 23, "row 2, pixel 1, channel 2"},
-                 {-9, -19, "1 bytes above"},
-                 {-9, -10, "3 bytes into the gap behind row 2"},
-                 {-9, 6, "1 bytes below the image"},
-                 {-9, -9, "row 1, pixel 0, channel 0"},
-                 {0, 6, "below"},
-                 {0, 4, "row 0, pixel 1, channel 1"}};
-    for (const auto& c : cases) {
-        const Image<Zet8u> image(2, 3, 3, c.step, Fence::behind, 15);
+    const std::tuple<int, int, std::string> cases[] = {{9, -1, "1 bytes above the image"},
+                                                       {9, 17, "3 bytes into the gap behind row 1"},
+                                                       {9, 24, "1 bytes below the image"},
+                                                       {9, 23, "row 2, pixel 1, channel 2"},
+                                                       {-9, -19, "1 bytes above"},
+                                                       {-9, -10, "3 bytes into the gap behind row 2"},
+                                                       {-9, 6, "1 bytes below the image"},
+                                                       {-9, -9, "row 1, pixel 0, channel 0"},
+                                                       {0, 6, "below"},
+                                                       {0, 4, "row 0, pixel 1, channel 1"}};
+    for (const auto& [step, at, message] : cases) {
+        const Image<Zet8u> image(2, 3, 3, step, Fence::behind, 15);
         EXPECT_TRUE(image.intact());
-        image.data()[c.at] ^= 1;
-        EXPECT_NE(std::string(image.intact().message()).find(c.message), std::string::npos)
-            << c.step << ' ' << c.at << image.intact().message();
+        image.data()[at] ^= 1;
+        EXPECT_TRUE(std::string(image.intact().message()).find(message) != std::string::npos)
+            << step << ' ' << at << image.intact().message();
     }
 }

@@ -18,6 +18,7 @@ namespace test {
 template <class Arguments> struct Error {
     ZetStatus status;
     std::function<void(Arguments&)> spoil;
+    bool height = false; // of a size; where its status stands twice in the order, the width comes first and the height last
 };
 
 // What can be wrong with any arguments: null pointers, the steps behind pointers, and both sides of a size.
@@ -32,7 +33,7 @@ template <class... A> std::vector<Error<std::tuple<A...>>> common_errors(const s
         } else if constexpr (std::is_same_v<This, ZetiSize>) {
             for (const int bad : {0, -1, INT_MIN}) {
                 errors.push_back({zetStsSizeErr, [=](Arguments& a) { std::get<I>(a).width = bad; }});
-                errors.push_back({zetStsSizeErr, [=](Arguments& a) { std::get<I>(a).height = bad; }});
+                errors.push_back({zetStsSizeErr, [=](Arguments& a) { std::get<I>(a).height = bad; }, true});
             }
         } else if constexpr (std::is_same_v<This, int> && std::is_pointer_v<Before>) {
             for (const int bad : {0, -1, INT_MIN}) errors.push_back({zetStsStepErr, [=](Arguments& a) { std::get<I>(a) = bad; }});
@@ -47,13 +48,16 @@ template <class... A> std::vector<Error<std::tuple<A...>>> common_errors(const s
 template <class... A, class Intact>
 void expect_order(const std::string& name, const std::tuple<A...>& arguments, const std::vector<ZetStatus>& order,
                   const std::vector<Error<std::tuple<A...>>>& errors, Intact intact) {
-    const auto rank = [&](ZetStatus s) { return std::find(order.begin(), order.end(), s) - order.begin(); };
+    const auto rank = [&](const auto& e) {
+        return e.height ? order.rend() - std::find(order.rbegin(), order.rend(), e.status)
+                        : std::find(order.begin(), order.end(), e.status) - order.begin() + 1;
+    };
     for (const auto& one : errors)
         for (const auto& two : errors) {
             auto spoiled = arguments;
             one.spoil(spoiled), two.spoil(spoiled);
             const ZetStatus status = std::apply(member<ZetStatus(A...)>(name), spoiled);
-            ASSERT_EQ(status, rank(one.status) < rank(two.status) ? one.status : two.status)
+            ASSERT_EQ(status, rank(one) < rank(two) ? one.status : two.status)
                 << name << ": errors " << one.status << " and " << two.status;
             ASSERT_TRUE(intact()) << name << ": errors " << one.status << " and " << two.status;
         }

@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* A stand-in for libzetcore: it counts, refuses and scripts its answers. Settings are made while no call is under way. */
+/* A stand-in for libzetcore: it counts, refuses and answers as it is told. Settings are made while no call is under way. */
 #ifndef ZETCORE_STANDIN_H
 #define ZETCORE_STANDIN_H
 
@@ -12,9 +12,8 @@ extern "C" {
 /* One thread, no refusals, no known cache, all counts zero except the live blocks, which are still out there. */
 ZETCORE_API void standin_reset(void);
 
-/* ownGetNumThreads answers `count`, or one answer of the script after the other (at most 64) and then the last for ever. */
+/* ownGetNumThreads answers `count`. */
 ZETCORE_API void standin_set_threads(int count);
-ZETCORE_API void standin_script_threads(const int *answers, int length);
 ZETCORE_API int standin_thread_queries(void);
 
 /* Refuses the n-th allocation from now (1 is the next, 0 takes a refusal back), or all of them. */
