@@ -11,6 +11,7 @@
 #include <time.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -38,7 +39,7 @@ double now() {
 }
 
 double quantile(std::vector<double> v, double q) {
-    const auto at = v.begin() + static_cast<ptrdiff_t>(q * static_cast<double>(v.size() - 1) + 0.5);
+    const auto at = v.begin() + std::lround(q * static_cast<double>(v.size() - 1));
     std::nth_element(v.begin(), at, v.end());
     return *at;
 }

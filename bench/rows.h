@@ -157,8 +157,7 @@ template <class... A> void row(const std::string& name, const std::string& detai
         const auto kept = std::make_shared<std::tuple<decltype(argument(plain))...>>(arguments); // planes and constants live here
         const auto c = std::apply([&](auto&... a) { return std::tuple_cat(a.bind(arena)...); }, *kept);
         const auto f = detail::function(name, std::type_identity<std::remove_const_t<decltype(c)>>());
-        return [=](int calls) {
-            [[maybe_unused]] const auto alive = kept;
+        return [f, c, kept](int calls) { // which keeps them alive
             for (int i = 0; i < calls; ++i) std::apply(f, c);
         };
     };

@@ -53,7 +53,7 @@ template <class T, class L> ZetStatus transpose(const T* pSrc, int srcStep, T* p
     for (ptrdiff_t y = 0; y < roiSize.height; y += Tile::rows) {
         const ptrdiff_t height = std::min<ptrdiff_t>(Tile::rows, roiSize.height - y);
         for (ptrdiff_t x = 0; x < roiSize.width; x += Tile::columns) {
-            const ptrdiff_t width = std::min<ptrdiff_t>(Tile::columns, roiSize.width - x), ahead = x + 4 * Tile::columns;
+            const ptrdiff_t width = std::min<ptrdiff_t>(Tile::columns, roiSize.width - x), ahead = x + 8 * Tile::columns;
             if (large && ahead < roiSize.width) Tile::announce(detail::from(src, ahead, y, pixel), height);
             tile.read(detail::from(src, x, y, pixel), width, height);
             tile.write(detail::from(dst, y, x, pixel), width, height, cache);

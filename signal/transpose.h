@@ -33,8 +33,8 @@ template <int Pixel> class TransposeTile {
     using Square = TransposeSquare<Pixel>;
 
 public:
-    // At most so many rows, which become pieces of whole lines of 64 bytes, and so many columns, pieces of 64 bytes or a little less.
-    static constexpr int rows = Pixel == 1 || Pixel == 3 ? 64 : Pixel == 2 || Pixel == 6 ? 32 : 16;
+    // At most so many rows, which become pieces of whole lines of 64 bytes, two of them where pixels are bytes, and so many columns, pieces of 64 bytes or a little less.
+    static constexpr int rows = Pixel == 1 ? 128 : Pixel == 3 ? 64 : Pixel == 2 || Pixel == 6 ? 32 : 16;
     static constexpr int columns = Square::in_registers ? 64 / Pixel : Pixel == 3 ? 16 : 8;
 
     void read(Src<Zet8u> src, ptrdiff_t width, ptrdiff_t height) {
@@ -57,7 +57,7 @@ public:
     }
     // Asks the memory for a tile that will be read.
     [[gnu::always_inline]] static void announce(Src<Zet8u> src, ptrdiff_t height) {
-        for (ptrdiff_t y = 0; y < height; ++y) _mm_prefetch(reinterpret_cast<const char*>(src.row(y)), _MM_HINT_T0);
+        for (ptrdiff_t y = 0; y < height; ++y) prefetch_outer(src.row(y), 0);
     }
 
 private:

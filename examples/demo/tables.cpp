@@ -79,7 +79,7 @@ void show_histogram(Gallery &gallery, const Photos &photos) {
         const double percent = 100.0 * count / grey.size.width / grey.size.height;
         shot.show(
             {{"grey", picture(grey)}},
-            {{"dst: " + std::to_string(count) + " samples, " + std::to_string(static_cast<int>(percent + 0.5)) + " %", picture(dst)}});
+            {{"dst: " + std::to_string(count) + " samples, " + std::to_string(std::lround(percent)) + " %", picture(dst)}});
     }
 }
 
@@ -182,7 +182,8 @@ void show_moments(Gallery &gallery) {
         const double angle = std::atan2(2 * c11, c02 - c20) / 2, mean = (c02 + c20) / 2, off = std::hypot((c02 - c20) / 2, c11);
         const auto draw = [&](double turn, double variance, Zet8u r, Zet8u g, Zet8u b) {
             const double half = 2 * std::sqrt(variance / m00); // of an ellipse its half axis
-            for (double t = -half; t <= half; t += 0.25) {
+            for (int quarter = static_cast<int>(-4 * half); quarter <= 4 * half; ++quarter) {
+                const double t = quarter * 0.25;
                 const int x = static_cast<int>(m01 / m00 + t * std::cos(turn)), y = static_cast<int>(m10 / m00 + t * std::sin(turn));
                 for (int k = 0; k < 4; ++k)
                     if (x + k % 2 >= 0 && y + k / 2 >= 0 && x + 1 < src.size.width && y + 1 < src.size.height)
