@@ -9,7 +9,7 @@ namespace {
 template <class V> struct Table {
     static constexpr int most = 257;
     V levels[most], values[most];
-    Zet32s bins[most];
+    Zet32s bins[most] = {};
     Table() {
         for (int k = 0; k < most; ++k) levels[k] = static_cast<V>(k), values[k] = static_cast<V>(256 - k);
     }

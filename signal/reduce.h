@@ -44,7 +44,7 @@ template <class Kernel, class T, int N>
             else if (left > 0) k.template add_rest<p>(rows.part(i, 0, left), left);
             i += lanes<T>;
         };
-        while (i < n) (rest(std::integral_constant<int, place>()), ...);
+        while (i < n) (rest(std::integral_constant<int, place>()), ...); // NOLINT(bugprone-infinite-loop): rest() moves i
     };
     walk(std::make_integer_sequence<int, Kernel::places>());
     kernel = k;

@@ -51,10 +51,11 @@ template <class T> void search(Way way, Channel<T> image, Levels<Level<T>> level
 
 template <class T, class L>
 ZetStatus count_16(const T* pSrc, int srcStep, ZetiSize roi, const Levels<Zet32s>* levels, Zet32u* const* bins) {
-    Way ways[L::colours];
+    const int64_t pixels = int64_t{roi.width} * roi.height;
+    Way ways[L::colours] = {};
     bool direct = false;
     for (int c = 0; c < L::colours; ++c) {
-        ways[c] = way_of_16(levels[c], int64_t{roi.width} * roi.height);
+        ways[c] = way_of_16(levels[c], pixels);
         direct |= ways[c] == Way::direct;
     }
     Zet32u* const counters = direct ? zetsMalloc<Zet32u>(table_entries<T>) : nullptr;

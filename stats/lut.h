@@ -96,7 +96,7 @@ template <class Form, class T, class L> ZetStatus map_floats(Src<T> src, Dst<T> 
     Zet8u* block = nullptr;
     if (count > 0) {
         const int64_t bytes = count * int64_t{sizeof(Zet64f)};
-        block = bytes > max_of<int> ? nullptr : zetsMalloc<Zet8u>(static_cast<int>(bytes));
+        block = max_of<int> < bytes ? nullptr : zetsMalloc<Zet8u>(static_cast<int>(bytes));
         if (!block) return zetStsMemAllocErr;
     }
     const auto coefficients = [&](int c) { return reinterpret_cast<Zet64f*>(block) + offset[c]; };

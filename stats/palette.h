@@ -31,8 +31,8 @@ template <class L> struct PaletteForm {
     static constexpr int channels = L::channels, to = L::channels, colours = L::colours, place[4] = {0, 1, 2, 3};
 };
 template <> struct PaletteForm<C3A0C4> { static constexpr int channels = 3, to = 4, colours = 3, place[4] = {1, 2, 3}; };
-struct SwappedForm : PaletteForm<C3A0C4> {
-    static constexpr int place[4] = {2, 1, 3};
+struct SwappedForm {
+    static constexpr int channels = 3, to = 4, colours = 3, place[4] = {2, 1, 3};
 };
 
 // ownpiLUTPalette; with the swapped form ownpiLUTPaletteS.

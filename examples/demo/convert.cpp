@@ -37,7 +37,7 @@ void show_convert(Gallery &gallery, const Photos &photos) {
         std::vector<Zet8u> bits(32 * 256);
         for (int y = 0; y < 256; ++y)
             for (int x = 0; x < 256; ++x)
-                if ((x & y) == 0) bits[static_cast<std::size_t>(y * 32 + x / 8)] |= static_cast<Zet8u>(128 >> x % 8);
+                if ((x & y) == 0) bits[std::size_t(y) * 32 + std::size_t(x) / 8] |= static_cast<Zet8u>(128 >> x % 8);
         const Grey dst(size);
         Shot shot = gallery.shot("One bit a pixel", "Where x and y have no bit in common: 32 bytes a row become 256.", size);
         shot.run(CALL(zetiConvert_1u8u_C1R(bits.data(), 32, 0, dst.p, dst.step, dst.size)));
