@@ -13,8 +13,7 @@ template <class T> struct Alpha : Elementwise<T> {
     static constexpr bool planes = std::is_unsigned_v<T> && sizeof(T) <= 2;
     using Elementwise<T>::layout, Elementwise<T>::constant, Elementwise<T>::constants;
     bool composes;
-    int type;                    // of composition; the first two constants are the alphas
-    std::array<T*, 4> missing{}; // planes, one of them null
+    int type; // of composition; the first two constants are the alphas
 
     Alpha(const std::string& operation, const PixelLayout& l, int alphaType = 0, bool isInPlace = false)
         : Elementwise<T>{operation, l, isInPlace, operation.ends_with("C")}, composes(operation.starts_with("AlphaComp")), type(alphaType) {
@@ -63,21 +62,7 @@ template <class T> struct Alpha : Elementwise<T> {
     }
 
     std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsAlphaTypeErr}; }
-    std::pair<ZetStatus, std::vector<int>> unknown() const { return {zetStsAlphaTypeErr, {12, INT_MAX, -1, INT_MIN}}; }
-    template <class... A> void add_errors(std::vector<Error<std::tuple<A...>>>& errors) {
-        using Arguments = std::tuple<A...>;
-        const auto plane_errors = [&]<std::size_t I>(std::integral_constant<std::size_t, I>) {
-            if constexpr (std::is_pointer_v<std::remove_pointer_t<std::tuple_element_t<I, Arguments>>>)
-                for (int c = 0; c < 4; ++c)
-                    errors.push_back({zetStsNullPtrErr, [=, this](Arguments& a) {
-                                          static T sample;
-                                          missing.fill(&sample), missing[c] = nullptr;
-                                          std::get<I>(a) = missing.data();
-                                      }});
-        };
-        [&]<std::size_t... I>(std::index_sequence<I...>) { (plane_errors(std::integral_constant<std::size_t, I>()), ...); }
-        (std::index_sequence_for<A...>());
-    }
+    std::vector<int> unknown() const { return {12, INT_MAX, -1, INT_MIN}; }
 };
 
 constexpr auto each_member = [](auto use) {

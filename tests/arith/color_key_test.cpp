@@ -38,7 +38,7 @@ template <class T> struct Key : Elementwise<T> {
                 }
     }
     std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr, zetStsAlphaTypeErr}; }
-    std::pair<ZetStatus, std::vector<int>> unknown() const { return {zetStsAlphaTypeErr, {6, 11, 12, -1, INT_MIN}}; }
+    std::vector<int> unknown() const { return {6, 11, 12, -1, INT_MIN}; }
 };
 
 constexpr auto each_member = [](auto use) {

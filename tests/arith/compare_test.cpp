@@ -39,12 +39,12 @@ template <class T> struct Comparison : Elementwise<T> {
                 if (i % channels < this->layout.colours && r.between(0, 99) < alike)
                     b.set(y, i, this->constant ? this->constants[i % channels] : a.at(y, i));
     }
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr, zetStsEpsValErr, zetStsNoErr}; }
-    std::pair<ZetStatus, std::vector<int>> unknown() const { return {zetStsNoErr, {-1, 5}}; } // nobody is told
-    template <class... A> void add_errors(std::vector<Error<std::tuple<A...>>>& errors) {
-        if constexpr (std::is_same_v<std::tuple_element_t<sizeof...(A) - 1, std::tuple<A...>>, Zet32f>)
-            for (const float bad : {-1e-45f, -1.0f, -INFINITY})
-                errors.push_back({zetStsEpsValErr, [=](auto& a) { std::get<sizeof...(A) - 1>(a) = bad; }});
+    std::vector<ZetStatus> order() const { // of an unknown operator nobody is told
+        return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr, tolerant ? zetStsEpsValErr : zetStsNoErr};
+    }
+    std::vector<int> unknown() const { return {-1, 5}; }
+    void own_faults(Faults& faults, ZetStatus status, Zet32f& v, int behind) const {
+        if (status == zetStsEpsValErr && behind == 0) faults.add(status, v, {-1e-45f, -1.0f, -INFINITY});
     }
 };
 

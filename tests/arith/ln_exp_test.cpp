@@ -18,7 +18,7 @@ template <class T> struct LnExp : Elementwise<T> {
     }
     void on_row(const T* x, T* y, int width) const {
         call(Operands<const T*, T*>{x, width * 4, x, width * 4, y, width * 4, {width, 1}},
-             [&](auto... a) { member<ZetStatus(decltype(a)...)>(this->name())(a...); });
+             [&](auto... a) { call_member(this->name(), a...); });
     }
     T alone(T x) const { // a float in an image of its own
         T y{};

@@ -41,7 +41,7 @@ struct Call : Case {
 
     ZetStatus run() const {
         return with_type(m.type, [&]<class T>(T) {
-            const auto call = [&](auto... arguments) { return member<ZetStatus(decltype(arguments)...)>(m.name())(arguments...); };
+            const auto call = [&](auto... arguments) { return call_member(m.name(), arguments...); };
             const T *p = static_cast<const T*>(from), *v = static_cast<const T*>(values);
             T* const d = static_cast<T*>(to);
             if (m.inPlace) return call(const_cast<T*>(p), srcStep, src, dst, top, left);

@@ -2,9 +2,12 @@
 // Results whose samples are constants, or those of the source in other places. They are compared as bytes.
 #pragma once
 
-#include "tests/arith/pixelwise.h"
-#include "tests/move/faults.h"
-#include "tests/move/typed.h"
+#include "tests/support/checksum.h"
+#include "tests/support/faults.h"
+#include "tests/support/layouts.h"
+#include "tests/support/member.h"
+#include "tests/support/typed.h"
+#include "tests/support/zetcore_standin.h"
 
 namespace test {
 

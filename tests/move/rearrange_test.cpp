@@ -49,9 +49,8 @@ struct Call {
         return with_type(m.type, [&]<class T>(T) {
             const auto call = [&](auto... more) {
                 T* const to = static_cast<T*>(dst);
-                if (m.inPlace) return member<ZetStatus(T*, int, ZetiSize, decltype(more)...)>(m.name())(to, dstStep, roi, more...);
-                return member<ZetStatus(const T*, int, T*, int, ZetiSize, decltype(more)...)>(m.name())(static_cast<const T*>(src), srcStep,
-                                                                                                        to, dstStep, roi, more...);
+                if (m.inPlace) return call_member(m.name(), to, dstStep, roi, more...);
+                return call_member(m.name(), static_cast<const T*>(src), srcStep, to, dstStep, roi, more...);
             };
             if (!m.swaps()) return m.family == "Mirror" ? call(flip) : call();
             return m.widens() ? call(order, load<T>(value)) : call(order);

@@ -2,9 +2,13 @@
 // ImageRamp, ImageJaehne and the noise: every member against plain loops, and the sequence of the generator.
 #include <complex>
 
-#include "tests/arith/pixelwise.h"
-#include "tests/move/faults.h"
-#include "tests/move/typed.h"
+#include "tests/support/checksum.h"
+#include "tests/support/faults.h"
+#include "tests/support/float_state.h"
+#include "tests/support/layouts.h"
+#include "tests/support/member.h"
+#include "tests/support/typed.h"
+#include "tests/support/zetcore_standin.h"
 
 using namespace test;
 
@@ -23,22 +27,15 @@ struct Member {
     std::string name() const { return "zeti" + family + "_" + token(type) + "_" + layout.name + (family[0] == 'A' ? "IR" : "R"); }
     ZetStatus run(void* to, int step, ZetiSize roi) const {
         return with_type(type, [&]<class T>(T) {
-            const auto call = [&](auto... more) {
-                return member<ZetStatus(T*, int, ZetiSize, decltype(more)...)>(name())(static_cast<T*>(to), step, roi, more...);
-            };
+            const auto call = [&](auto... more) { return call_member(name(), static_cast<T*>(to), step, roi, more...); };
             if (family == "ImageRamp") return call(offset, slope, axis);
             return family == "ImageJaehne" ? call() : call(static_cast<T>(a), static_cast<T>(b), seed);
         });
     }
     // Under a float state at odds with the library's: rounding up, denormals flushed, traps unmasked but for inexact results.
     void expect_run(const Samples& image, int step) const {
-        constexpr unsigned odd = 0xD040, flags = 0x3F;
-        _mm_setcsr(odd);
-        const ZetStatus status = run(image.data(), step, {image.width, image.height});
-        const unsigned after = _mm_getcsr();
-        _mm_setcsr(0x1F80);
-        EXPECT_EQ(after & ~flags, odd & ~flags) << name();
-        EXPECT_EQ(status, zetStsNoErr) << name();
+        const auto call = [&] { return run(image.data(), step, {image.width, image.height}); };
+        EXPECT_EQ(under_state(0xD040, call), zetStsNoErr) << name();
     }
 };
 
@@ -181,12 +178,19 @@ TEST(Synthesis, NoiseFollowsTheSequence) {
 // Of a million samples: mean, deviation, shares of 32 equally likely intervals, and the lowest frequencies of the rows.
 TEST(Synthesis, NoiseIsSound) {
     constexpr int n = 1024, frequencies = 64;
-    using Add = ZetStatus(Zet32f*, int, ZetiSize, Zet32f, Zet32f, Zet32u*);
     for (const bool gauss : {false, true})
         for (Zet32u seed : {0u, 123456789u, ~0u}) {
             std::vector<Zet32f> image(size_t(n) * n);
-            const auto add = member<Add>(gauss ? "zetiAddRandGauss_Direct_32f_C1IR" : "zetiAddRandUniform_Direct_32f_C1IR");
-            ASSERT_EQ(add(image.data(), n * 4, ZetiSize{n, n}, gauss ? 10.0f : -8.0f, gauss ? 5.0f : 24.0f, &seed), zetStsNoErr);
+            const Member add = {gauss ? "AddRandGauss_Direct" : "AddRandUniform_Direct",
+                                Type::f32,
+                                pixel_layouts[0],
+                                0,
+                                0,
+                                0,
+                                gauss ? 10.0 : -8.0,
+                                gauss ? 5.0 : 24.0,
+                                &seed};
+            ASSERT_EQ(add.run(image.data(), n * 4, {n, n}), zetStsNoErr);
             double sum = 0, squares = 0, chi = 0, power[frequencies] = {};
             int bins[32] = {};
             for (Zet32f& v : image) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // LUT, LUT_Linear and LUT_Cubic against the rules, sample by sample.
 #include "tests/stats/tables.h"
+#include "tests/support/checksum.h"
 
 using namespace test;
 

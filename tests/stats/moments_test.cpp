@@ -2,8 +2,11 @@
 // Moments: the scans against plain loops, the getters against sums over the pixels, the records, and the extended numbers of the 64s getters against
 // the processor's own.
 #include "stats/moments_extended.h"
-#include "tests/arith/pixelwise.h"
-#include "tests/move/faults.h"
+#include "tests/support/checksum.h"
+#include "tests/support/faults.h"
+#include "tests/support/layouts.h"
+#include "tests/support/member.h"
+#include "tests/support/zetcore_standin.h"
 
 using namespace test;
 
@@ -30,7 +33,7 @@ template <class V> struct Block {
 
 template <class V, class T> ZetStatus scan(const PixelLayout& l, const T* src, int srcStep, ZetiSize roi, State<V>* state) {
     const std::string name = "zetiMoments" + token<V>() + "_" + token<T>() + "_" + l.name + "R";
-    return member<ZetStatus(const T*, int, ZetiSize, State<V>*)>(name)(src, srcStep, roi, state);
+    return call_member(name, src, srcStep, roi, state);
 }
 template <class V, class T> void expect_scan(const PixelLayout& l, const Image<T>& image, State<V>* state) {
     ASSERT_EQ((scan<V, T>(l, image.data(), image.step, {image.width, image.height}, state)), zetStsNoErr)

@@ -17,8 +17,17 @@ namespace test {
 
 enum class Fence { behind, before };
 
+// Rows of so many bytes, and some units between them unless a unit is nothing.
+inline int any_step(Random& r, int row, std::initializer_list<int> directions, int unit = 1) {
+    const int gap = unit ? unit * r.pick({0, 1, r.between(0, 70)}) : 0;
+    return (row + gap) * r.pick(directions);
+}
+inline Fence any_fence(Random& r) { return r.pick({Fence::behind, Fence::before}); }
+inline int any_offset(Random& r) { return r.pick({0, r.between(0, 15)}); } // from the fence
+
 template <class T> class Image {
 public:
+    static constexpr int bytes = sizeof(T);
     const int width, height, channels; // in pixels
     const int step;                    // in bytes; negative: the rows go up from the first, 0: all rows are the same
 
@@ -33,9 +42,8 @@ public:
         shadow_.assign(base_, base_ + size_);
     }
     // Any offset, any gap of whole units, a step that points in one of the given directions, and samples of any pattern.
-    Image(Random& r, int w, int h, int c, std::initializer_list<int> directions = {1}, int gapUnit = 1)
-        : Image{
-              w, h, c, random_step(r, w * c, directions, gapUnit), r.pick({Fence::behind, Fence::before}), r.pick({0, r.between(0, 15)})} {
+    Image(Random& r, int w, int h, int c, std::initializer_list<int> directions = {1}, int unit = 1)
+        : Image{w, h, c, any_step(r, w * c * bytes, directions, unit), any_fence(r), any_offset(r)} {
         fill(r, r.pattern());
     }
     Image(const Image&) = delete;
@@ -62,7 +70,7 @@ public:
             int y = step < 0 ? height - 1 : 0; // the last row in memory that starts at or before p
             for (int other = 0; other < height; ++other)
                 if (position(other, 0) <= p && position(other, 0) > position(y, 0)) y = other;
-            const long from = p - position(y, 0), gap = from - row_bytes() + 1, i = from / static_cast<long>(sizeof(T));
+            const long from = p - position(y, 0), gap = from - row_bytes() + 1, i = from / bytes;
             const bool lowest = step == 0 || y == (step < 0 ? 0 : height - 1);
             testing::AssertionResult bad = testing::AssertionFailure();
             if (from < 0) return bad << "stray write " << -from << " bytes above the image";
@@ -76,12 +84,8 @@ public:
     }
 
 private:
-    static int random_step(Random& r, int samples, std::initializer_list<int> directions, int gapUnit) {
-        const int gap = gapUnit ? gapUnit * r.pick({0, 1, r.between(0, 70)}) : 0;
-        return (samples * static_cast<int>(sizeof(T)) + gap) * r.pick(directions);
-    }
-    long row_bytes() const { return row_samples() * static_cast<long>(sizeof(T)); }
-    long position(int y, int i) const { return first_ + static_cast<long>(y) * step + i * static_cast<long>(sizeof(T)); }
+    long row_bytes() const { return long{row_samples()} * bytes; }
+    long position(int y, int i) const { return first_ + static_cast<long>(y) * step + long{i} * bytes; }
 
     const long page_ = sysconf(_SC_PAGESIZE);
     long size_, first_;
