@@ -94,7 +94,7 @@ public:
     template <int n> Vec<Zet8u> unit(ptrdiff_t i) const { return part(i, 0, n); }
     Comparison from(ptrdiff_t i) const { return {cmp_, a_.from(i * channels), b_.from(i * channels)}; }
     void advance(ptrdiff_t n) { a_.advance(n * channels), b_.advance(n * channels); }
-    void prefetch(ptrdiff_t i) const { // what becomes a cache line of bytes
+    [[gnu::always_inline]] void prefetch(ptrdiff_t i) const { // what becomes a cache line of bytes
         for (int k = 0; k < lines; ++k) {
             const ptrdiff_t at = i * channels + k * (64 / ptrdiff_t{sizeof(T)});
             a_.prefetch(at), b_.prefetch(at);

@@ -42,7 +42,7 @@ template <class T> struct RowOperand {
     template <int n> Vec<T> unit(ptrdiff_t i) const { return detail::load_unit<n>(p + i); }
     RowOperand from(ptrdiff_t i) const { return {p + i}; }
     void advance(ptrdiff_t n) { p += n; }
-    void prefetch(ptrdiff_t i) const { zeti::prefetch(p + i); }
+    [[gnu::always_inline]] void prefetch(ptrdiff_t i) const { zeti::prefetch(p + i); }
     bool written_ahead_by(const T* dst, ptrdiff_t n) const { return dst > p && dst < p + n; }
     bool overlaps(const T* dst, ptrdiff_t n) const { return dst != p && dst < p + n && p < dst + n; } // in part
 };
@@ -92,7 +92,7 @@ template <class T, class Operand, int N> struct Operands {
     void advance(ptrdiff_t n) {
         for (auto& o : operand) o.advance(n);
     }
-    void prefetch(ptrdiff_t i) const {
+    [[gnu::always_inline]] void prefetch(ptrdiff_t i) const {
         for (const auto& o : operand) o.prefetch(i);
     }
     bool written_ahead_by(const T* dst, ptrdiff_t n) const {

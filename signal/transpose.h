@@ -56,7 +56,7 @@ public:
             for (ptrdiff_t x = 0; x < width; ++x) owniCopy_8u_C1(out_ + x * out_step, dst.row(x), height * Pixel, cache);
     }
     // Asks the memory for a tile that will be read.
-    static void announce(Src<Zet8u> src, ptrdiff_t height) {
+    [[gnu::always_inline]] static void announce(Src<Zet8u> src, ptrdiff_t height) {
         for (ptrdiff_t y = 0; y < height; ++y) _mm_prefetch(reinterpret_cast<const char*>(src.row(y)), _MM_HINT_T0);
     }
 
