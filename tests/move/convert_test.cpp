@@ -34,6 +34,10 @@ struct Conversion {
         const char* const suffix = signs ? "Rs" : has(Form::in_place) ? "IRSfs" : scales() ? "RSfs" : "R";
         return "zeti" + family + "_" + token(from) + token(to) + "_" + layout.name + suffix;
     }
+    std::string told() const {
+        const auto parameter = [](auto v) { return ", " + std::to_string(v); };
+        return name() + parameter(mode) + parameter(s) + parameter(low) + parameter(high);
+    }
     void prepare(Random& r) {
         mode = r.pick({0, 1, 2, 3, 7, -1, INT_MAX, INT_MIN}), hint = r.pick({0, 1, 2, 2, 3, -1});
         s = scales() ? r.pick({0, r.between(-9, 9), r.between(-40, 40), r.between(-400, 400), INT_MAX, INT_MIN}) : 0;
@@ -104,7 +108,7 @@ struct Conversions : std::vector<Conversion> {
 };
 
 // One random call. Steps are anything that the member takes; low bits that it ignores are set behind the image's back.
-bool check(Conversion& f, Random& r, ZetiSize roi, unsigned state = 0x1F80, Checksum* sum = nullptr) {
+bool check(Conversion& f, Random& r, ZetiSize roi, unsigned state = plain_state, Checksum* sum = nullptr) {
     const int c = f.layout.channels, up = f.stepped() ? 1 : -1;
     const auto unit = [&](Type t) { return f.whole_samples() ? bytes_of(t) : 1; };
     Samples a(r, f.from, roi.width, roi.height, c, {1, up}, unit(f.from)), d(r, f.to, roi.width, roi.height, c, {1, up}, unit(f.to));
@@ -116,31 +120,31 @@ bool check(Conversion& f, Random& r, ZetiSize roi, unsigned state = 0x1F80, Chec
             if (about) a.put(y, i, std::ldexp(static_cast<Zet32f>(r.between(-2000, 2000)) * 0.0005f * size, std::clamp(f.s, -99, 99)));
             if (f.has(Form::in_place)) d.copy(a, y, i);
         }
-    for (int y = 0; y < roi.height; ++y)
-        for (int i = 0; i < d.row; ++i)
-            if (i % c < f.layout.colours) d.want(y, i, f.expected(a.value(y, i)));
+    const auto each = [&](auto use) { // row, sample, what it ought to be
+        for (int y = 0; y < roi.height; ++y)
+            for (int i = 0; i < d.row; ++i)
+                if (i % c < f.layout.colours) use(y, i, f.expected(a.value(y, i)));
+    };
+    each([&](int y, int i, double v) { d.want(y, i, v); });
     const int aStep = a.step + r.between(0, unit(f.from) - 1), dStep = d.step + r.between(0, unit(f.to) - 1);
     const ZetStatus status = under_state(state, [&] { return f.call(f, a.data(), aStep, d.data(), dStep, roi); });
-    for (int y = 0; f.has(Form::by_range) && y < roi.height; ++y)
-        for (int i = 0; i < d.row; ++i) // one NaN is as good as another
-            if (i % c < f.layout.colours && std::isnan(d.value(y, i)) && std::isnan(f.expected(a.value(y, i)))) d.want(y, i, d.value(y, i));
+    each([&](int y, int i, double v) { // one NaN is as good as another
+        if (f.has(Form::by_range) && std::isnan(d.value(y, i)) && std::isnan(v)) d.want(y, i, d.value(y, i));
+    });
     for (int y = 0; sum && y < roi.height; ++y)
         for (int i = 0; i < d.row; ++i) sum->add(d.value(y, i));
-    const testing::AssertionResult good = d.intact();
-    EXPECT_TRUE(good && status == zetStsNoErr) << f.name() << " gives " << status << ", "
-                                               << "mode " << f.mode << ", scale " << f.s << ", range " << f.low << " to " << f.high
-                                               << ", float state " << std::hex << state;
-    EXPECT_TRUE(a.intact()) << f.name() << " writes to its source";
-    return good && status == zetStsNoErr;
+    const bool good = d.intact() && a.intact() && status == zetStsNoErr;
+    EXPECT_TRUE(good) << f.told() << " gives " << status << ", float state " << std::hex << state << ": " << d.intact().message();
+    return good;
 }
 
 bool check_widths(Conversion& f, Checksum& sum) {
     Random r(f.name());
     for (int i = 0; i < 120; ++i) {
         const int width = i < 80 ? 1 + i / 2 : r.pick({47, 64, 65, r.between(1, 40), r.between(41, 600)}), height = r.between(1, 4);
-        if (!check(f, r, {width, height}, 0x1F80, &sum)) return false;
+        if (!check(f, r, {width, height}, plain_state, &sum)) return false;
     }
-    for (const unsigned state : {0x3F80U, 0x5F80U, 0x7F80U, 0x9FC0U, 0xFFC0U, 0x1D00U}) // rounding, flush and denormals to zero, traps
+    for (const unsigned state : odd_states)
         for (int i = 0; i < 4; ++i)
             if (!check(f, r, {r.between(1, 70), 2}, state)) return false;
     // Destinations that are written past the cache, and the sizes at which Scale begins to do so.
@@ -206,8 +210,7 @@ void check_samples(const Conversion& f, const std::vector<double>& samples) {
         double got = load(f.to, &dst[i * bytes_of(f.to)]), expected = f.expected(load(f.from, &src[i * size]));
         store(f.to, &expected, expected);
         expected = load(f.to, &expected);
-        ASSERT_TRUE(same(got, expected)) << f.name() << " of " << samples[i] << " gives " << got << ", "
-                                         << "mode " << f.mode << ", scale " << f.s << ", range " << f.low << " to " << f.high;
+        ASSERT_TRUE(same(got, expected)) << f.told() << " of " << samples[i] << " gives " << got;
     }
 }
 
