@@ -188,8 +188,7 @@ TEST(Move, ChecksInTheirOrder) {
         if (m.masked) faults.null(call.mask);
         if (m.sets() && m.form.moved > 1) faults.null(call.values);
         faults.size(call.roi);
-        faults.expect_order(
-            m.name(), [&] { return call.run(); }, [&] { return call.intact(); });
+        faults.expect_order(call, [&] { return call.intact(); });
     });
 }
 

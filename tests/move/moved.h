@@ -29,6 +29,16 @@ template <class Of> void expect_moved(const Image<Zet8u>& src, Image<Zet8u>& dst
         }
 }
 
+// The call does that and nothing else. False after a failure.
+template <class Call>
+bool expect_done(const Call& call, const Image<Zet8u>& src, const Image<Zet8u>& dst, Checksum& sum, ZetStatus expected = zetStsNoErr) {
+    const ZetStatus status = call.run();
+    const bool good = status == expected && src.intact() && dst.intact();
+    EXPECT_TRUE(good) << call.m.name() << " gives " << status << ": " << dst.intact().message() << ", " << call.told();
+    sum.add(dst);
+    return good;
+}
+
 // Constants. A NaN might not pass as the value that it is.
 inline void fill_constants(Random& r, Type t, Image<Zet8u>& constants) {
     for (int i = 0; i < constants.width; ++i) constants.set(0, i, r.uniform<Zet8u>() & (t == Type::f32 && i % 4 == 3 ? 0xBF : 0xFF));

@@ -88,8 +88,7 @@ TEST(Reductions, ChecksInTheirOrder) {
             store(m.type, above[c] + c * bytes_of(m.type), 6);
             faults.add(zetStsRangeErr, call.lower, {above[c]});
         }
-        faults.expect_order(
-            m.name(), [&] { return call.run(); }, [&] { return call.results == Results(); });
+        faults.expect_order(call, [&] { return call.results == Results(); });
     }
 }
 

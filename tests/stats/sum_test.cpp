@@ -60,8 +60,9 @@ TEST(FloatSums, DependOnNothingButTheSamples) {
                                                         ZetHintAlgorithm(3), ZetHintAlgorithm(INT_MIN)}) {
                         Results& same_hint = known[hint == zetAlgHintAccurate];
                         const auto *a = reinterpret_cast<Zet32f*>(at), *b = reinterpret_cast<Zet32f*>(at + 2 * step);
-                        const Results got = under_state(offset == 0 ? plain_state : 0xFFC0,
-                                                        [&] { return called(family, l, a, b, step, {width, 2}, hint); });
+                        const Results got = under_state(offset == 0 ? plain_state : 0xFFC0, [&] {
+                            return called(family, l, a, b, step, {width, 2}, hint);
+                        });
                         if (offset == 0 && hint <= zetAlgHintAccurate && hint >= 0) {
                             if (hint != zetAlgHintFast) same_hint = got;
                             for (int c = 0; c < 5; ++c) sum.add(c < l.colours ? got.value(c) : -12345.0);

@@ -37,6 +37,12 @@ public:
             }
     }
 
+    // The same of a call that knows its name.
+    template <class Call, class Intact> void expect_order(const Call& call, Intact intact) {
+        expect_order(
+            call.m.name(), [&] { return call.run(); }, intact);
+    }
+
 private:
     struct Fault {
         ZetStatus status;
