@@ -72,18 +72,4 @@ TEST(Arithmetic, EstimatedQuotientsDoNotDependOnThePlace) {
         }
 }
 
-// Rows more than 2 GiB apart.
-TEST(Arithmetic, StepsBeyondTwoGigabytes) {
-    if (sizeof(void*) == 4) GTEST_SKIP() << "no such image fits the address space";
-    const std::size_t step = 1 << 30, height = 5, all = sizeof(void*) == 4 ? 0 : step * height;
-    void* const memory = mmap(nullptr, all, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    ASSERT_NE(memory, MAP_FAILED);
-    Zet8u* const d = static_cast<Zet8u*>(memory);
-    const Zet8u a[3] = {1, 2, 3}, b[3] = {10, 20, 30};
-    EXPECT_EQ(call_member("zetiAdd_8u_C3RSfs", +a, 0, +b, 0, d, 1 << 30, ZetiSize{1, 5}, 0), zetStsNoErr);
-    for (std::size_t y = 0; y < height; ++y)
-        EXPECT_EQ(d[y * step] + d[y * step + 1] * 256 + d[y * step + 2] * 65536, 11 + 22 * 256 + 33 * 65536) << y;
-    munmap(memory, all);
-}
-
 } // namespace

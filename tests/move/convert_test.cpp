@@ -107,7 +107,28 @@ struct Conversions : std::vector<Conversion> {
     }
 };
 
-// One random call. Steps are anything that the member takes; low bits that it ignores are set behind the image's back.
+// A call does with the samples what it ought to. Low bits of steps are set behind the images' backs.
+bool verify(const Conversion& f, const Samples& a, Samples& d, int aBits = 0, int dBits = 0, unsigned state = plain_state) {
+    const auto each = [&](auto use) { // row, sample, what it ought to be
+        for (int y = 0; y < d.height; ++y)
+            for (int i = 0; i < d.row; ++i)
+                if (i % f.layout.channels < f.layout.colours) use(y, i, f.expected(a.value(y, i)));
+    };
+    if (f.has(Form::in_place))
+        for (int i = 0; i < d.height * d.row; ++i) d.copy(a, i / d.row, i % d.row);
+    each([&](int y, int i, double v) { d.want(y, i, v); });
+    const auto run = [&] { return f.call(f, a.data(), a.step + aBits, d.data(), d.step + dBits, {a.width, a.height}); };
+    const ZetStatus status = under_state(state, run);
+    if (f.has(Form::by_range))
+        each([&](int y, int i, double v) { // one NaN is as good as another
+            if (std::isnan(d.value(y, i)) && std::isnan(v)) d.want(y, i, d.value(y, i));
+        });
+    const bool good = d.intact() && a.intact() && status == zetStsNoErr;
+    EXPECT_TRUE(good) << f.told() << " gives " << status << ", float state " << std::hex << state << ": " << d.intact().message();
+    return good;
+}
+
+// One random call. Steps are anything that the member takes; low bits are those that it ignores.
 bool check(Conversion& f, Random& r, ZetiSize roi, unsigned state = plain_state, Checksum* sum = nullptr) {
     const int c = f.layout.channels, up = f.stepped() ? 1 : -1;
     const auto unit = [&](Type t) { return f.whole_samples() ? bytes_of(t) : 1; };
@@ -115,26 +136,13 @@ bool check(Conversion& f, Random& r, ZetiSize roi, unsigned state = plain_state,
     f.prepare(r);
     const Zet32f size = r.pick({1.0f, 9.0f, 300.0f, 70000.0f});
     const bool about = f.from == Type::f32 && r.chance(3); // the bounds of integers
-    for (int y = 0; y < roi.height; ++y)
-        for (int i = 0; i < a.row; ++i) {
-            if (about) a.put(y, i, std::ldexp(static_cast<Zet32f>(r.between(-2000, 2000)) * 0.0005f * size, std::clamp(f.s, -99, 99)));
-            if (f.has(Form::in_place)) d.copy(a, y, i);
-        }
-    const auto each = [&](auto use) { // row, sample, what it ought to be
-        for (int y = 0; y < roi.height; ++y)
-            for (int i = 0; i < d.row; ++i)
-                if (i % c < f.layout.colours) use(y, i, f.expected(a.value(y, i)));
-    };
-    each([&](int y, int i, double v) { d.want(y, i, v); });
-    const int aStep = a.step + r.between(0, unit(f.from) - 1), dStep = d.step + r.between(0, unit(f.to) - 1);
-    const ZetStatus status = under_state(state, [&] { return f.call(f, a.data(), aStep, d.data(), dStep, roi); });
-    each([&](int y, int i, double v) { // one NaN is as good as another
-        if (f.has(Form::by_range) && std::isnan(d.value(y, i)) && std::isnan(v)) d.want(y, i, d.value(y, i));
-    });
-    for (int y = 0; sum && y < roi.height; ++y)
-        for (int i = 0; i < d.row; ++i) sum->add(d.value(y, i));
-    const bool good = d.intact() && a.intact() && status == zetStsNoErr;
-    EXPECT_TRUE(good) << f.told() << " gives " << status << ", float state " << std::hex << state << ": " << d.intact().message();
+    for (int i = 0; about && i < roi.height * a.row; ++i) {
+        const Zet32f near = static_cast<Zet32f>(r.between(-2000, 2000)) * 0.0005f * size;
+        a.put(i / a.row, i % a.row, std::ldexp(near, std::clamp(f.s, -99, 99)));
+    }
+    const int aBits = r.between(0, unit(f.from) - 1), dBits = r.between(0, unit(f.to) - 1);
+    const bool good = verify(f, a, d, aBits, dBits, state);
+    for (int i = 0; sum && i < roi.height * d.row; ++i) sum->add(d.value(i / d.row, i % d.row));
     return good;
 }
 
@@ -201,17 +209,10 @@ std::vector<double> telling_samples(Type t) {
 }
 
 void check_samples(const Conversion& f, const std::vector<double>& samples) {
-    const int n = static_cast<int>(samples.size()), size = bytes_of(f.from);
-    std::vector<char> src(samples.size() * 4), dst(samples.size() * 4);
-    for (int i = 0; i < n; ++i) store(f.from, &src[i * size], samples[i]);
-    if (f.has(Form::in_place)) dst = src;
-    ASSERT_EQ(f.call(f, src.data(), n * size, dst.data(), n * bytes_of(f.to), {n, 1}), zetStsNoErr) << f.name();
-    for (int i = 0; i < n; ++i) {
-        double got = load(f.to, &dst[i * bytes_of(f.to)]), expected = f.expected(load(f.from, &src[i * size]));
-        store(f.to, &expected, expected);
-        expected = load(f.to, &expected);
-        ASSERT_TRUE(same(got, expected)) << f.told() << " of " << samples[i] << " gives " << got;
-    }
+    const int n = static_cast<int>(samples.size());
+    Samples a(f.from, n, 1, 1, n * bytes_of(f.from)), d(f.to, n, 1, 1, n * bytes_of(f.to));
+    for (int i = 0; i < n; ++i) a.put(0, i, samples[i]);
+    ASSERT_TRUE(verify(f, a, d));
 }
 
 TEST(Convert, EverySampleOf16BitsAndTiesOf32) {
