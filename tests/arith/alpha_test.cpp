@@ -53,12 +53,11 @@ template <class T> struct Alpha : Elementwise<T> {
         for (T& alpha : constants) alpha = is_float<T> ? fraction() : r.sample<T>(Random::mixed, 0);
         if (r.chance(3)) return;
         for (Image<T>* image : {&a, &b})
-            for (int y = 0; y < image->height; ++y)
-                for (int i = 0; i < image->row_samples(); ++i) {
-                    const bool isAlpha = (layout.planar() ? y / (image->height / 4) : i % layout.channels) == layout.colours;
-                    if (isAlpha && r.chance(2)) image->set(y, i, r.chance(2) ? full<T> : T(0));
-                    else if (is_float<T>) image->set(y, i, fraction());
-                }
+            for (const auto [y, i] : image->samples()) {
+                const bool isAlpha = (layout.planar() ? y / (image->height / 4) : i % layout.channels) == layout.colours;
+                if (isAlpha && r.chance(2)) image->set(y, i, r.chance(2) ? full<T> : T(0));
+                else if (is_float<T>) image->set(y, i, fraction());
+            }
     }
 
     std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsAlphaTypeErr}; }
@@ -93,12 +92,11 @@ TEST(Alpha, LargeDestination) { check_large(Alpha<Zet8u>("AlphaPremul", AC4)); }
 TEST(Alpha, EveryPairOf8u) {
     Random r("pairs");
     Image<Zet8u> a(256, 256, 4, 1024), b(256, 256, 4, 1024), d(256, 256, 4, 1024);
-    for (int y = 0; y < 256; ++y)
-        for (int i = 0; i < 1024; ++i) {
-            const int x = i / 4, c = i % 4, any = r.between(0, 255);
-            a.set(y, i, static_cast<Zet8u>(c == 0 ? x : c == 1 ? any : c == 2 ? x ^ 255 : y));
-            b.set(y, i, static_cast<Zet8u>(c == 0 ? y : c == 1 ? x : c == 2 ? any : x));
-        }
+    for (const auto [y, i] : d.samples()) {
+        const int x = i / 4, c = i % 4, any = r.between(0, 255);
+        a.set(y, i, static_cast<Zet8u>(c == 0 ? x : c == 1 ? any : c == 2 ? x ^ 255 : y));
+        b.set(y, i, static_cast<Zet8u>(c == 0 ? y : c == 1 ? x : c == 2 ? any : x));
+    }
     for (int type = 0; type < 12; ++type) ASSERT_TRUE(verify(Alpha<Zet8u>("AlphaComp", AC4, type), a, b, d));
     ASSERT_TRUE(verify(Alpha<Zet8u>("AlphaPremul", AC4), b, a, d));
     ASSERT_TRUE(check_pairs(Alpha<Zet8u>("AlphaPremulC", C1), all_values<Zet8u>(), all_values<Zet8u>()));

@@ -34,10 +34,9 @@ template <class T> struct Comparison : Elementwise<T> {
     void prepare(Random& r, Image<T>& a, Image<T>& b) { // many samples are equal, of 4 channels even 95 in a hundred
         for (T& c : this->constants) c = r.chance(2) ? b.at(0, 0) : r.sample<T>(Random::mixed, 0);
         const int alike = r.pick({0, 50, 95}), channels = this->layout.channels;
-        for (int y = 0; y < b.height; ++y)
-            for (int i = 0; i < b.row_samples(); ++i)
-                if (i % channels < this->layout.colours && r.between(0, 99) < alike)
-                    b.set(y, i, this->constant ? this->constants[i % channels] : a.at(y, i));
+        for (const auto [y, i] : b.samples())
+            if (i % channels < this->layout.colours && r.between(0, 99) < alike)
+                b.set(y, i, this->constant ? this->constants[i % channels] : a.at(y, i));
     }
     std::vector<ZetStatus> order() const { // of an unknown operator nobody is told
         return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr, tolerant ? zetStsEpsValErr : zetStsNoErr};

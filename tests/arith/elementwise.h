@@ -84,11 +84,10 @@ template <class T> struct Elementwise {
 // Half of the images give no cause for a warning except in alpha.
 template <class T, class Bad> void appease(Random& r, Image<T>& image, const PixelLayout& l, T good, T worst, Bad bad) {
     if (r.chance(2)) return;
-    for (int y = 0; y < image.height; ++y)
-        for (int i = 0; i < image.row_samples(); ++i) {
-            if (i % l.channels >= l.colours) image.set(y, i, worst);
-            else if (bad(image.at(y, i))) image.set(y, i, good);
-        }
+    for (const auto [y, i] : image.samples()) {
+        if (i % l.channels >= l.colours) image.set(y, i, worst);
+        else if (bad(image.at(y, i))) image.set(y, i, good);
+    }
 }
 
 // --- One call -----------------------------------------------------------------------------------------------------
@@ -312,8 +311,7 @@ template <class F, class T> bool check_pairs(F f, const std::vector<T>& firsts, 
     const int calls = f.constant ? all : 1, rows = f.constant ? 1 : all, step = width * n * static_cast<int>(sizeof(T));
     Image<T> a(width, rows, n, step), b(width, rows, n, step);
     Image<typename F::Result> d(width, rows, F::masks ? 1 : n, step);
-    for (int y = 0; y < rows; ++y)
-        for (int i = 0; i < width * n; ++i) a.set(y, i, firsts[y]), b.set(y, i, seconds[i]);
+    for (const auto [y, i] : a.samples()) a.set(y, i, firsts[y]), b.set(y, i, seconds[i]);
     for (int call = 0; call < calls; ++call) {
         if (f.constant) f.constants.fill(firsts[call]);
         if (!verify(f, a, b, d)) return false;

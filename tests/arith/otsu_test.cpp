@@ -13,8 +13,7 @@ const auto otsu = [](const Zet8u* p, int step, ZetiSize roi, Zet8u* t) {
 // The rule, step by step.
 Zet8u reference(const Image<Zet8u>& image) {
     double count[256] = {}, total = 0, weighted = 0, w = 0, m = 0, best = 0, result = 0;
-    for (int y = 0; y < image.height; ++y)
-        for (int x = 0; x < image.width; ++x) count[image.at(y, x)] += 1;
+    for (const auto [y, x] : image.samples()) count[image.at(y, x)] += 1;
     for (int i = 0; i < 256; ++i) total += count[i], weighted += (i + 0.5) * count[i]; // exact in any order
     const double r = 1 / total, mean = weighted * r;
     for (int t = 0; t < 256; ++t) {
@@ -39,9 +38,8 @@ TEST(Otsu, FollowsTheRule) {
                   mode[4] = {r.between(0, 255), r.between(0, 255), r.between(0, 255), r.between(0, 255)};
         Image<Zet8u> image(r, width, r.between(1, 40), 1);
         const int spread = r.pick({0, 1, 10, 60, 255});
-        for (int y = 0; y < image.height; ++y)
-            for (int x = 0; x < width; ++x)
-                image.set(y, x, static_cast<Zet8u>(std::clamp(mode[r.between(0, modes - 1)] + r.between(-spread, spread), 0, 255)));
+        for (const auto [y, x] : image.samples())
+            image.set(y, x, static_cast<Zet8u>(std::clamp(mode[r.between(0, modes - 1)] + r.between(-spread, spread), 0, 255)));
         Zet8u got = 77;
         const auto run = [&] { return otsu(image.data(), image.step, {width, image.height}, &got); };
         ASSERT_EQ(under_state(i % 2 ? 0xFFC0 : plain_state, run), zetStsNoErr);

@@ -110,12 +110,11 @@ struct Conversions : std::vector<Conversion> {
 // A call does with the samples what it ought to. Low bits of steps are set behind the images' backs.
 bool verify(const Conversion& f, const Samples& a, Samples& d, int aBits = 0, int dBits = 0, unsigned state = plain_state) {
     const auto each = [&](auto use) { // row, sample, what it ought to be
-        for (int y = 0; y < d.height; ++y)
-            for (int i = 0; i < d.row; ++i)
-                if (i % f.layout.channels < f.layout.colours) use(y, i, f.expected(a.value(y, i)));
+        for (const auto [y, i] : d.samples())
+            if (i % f.layout.channels < f.layout.colours) use(y, i, f.expected(a.value(y, i)));
     };
     if (f.has(Form::in_place))
-        for (int i = 0; i < d.height * d.row; ++i) d.copy(a, i / d.row, i % d.row);
+        for (const auto [y, i] : d.samples()) d.copy(a, y, i);
     each([&](int y, int i, double v) { d.want(y, i, v); });
     const auto run = [&] { return f.call(f, a.data(), a.step + aBits, d.data(), d.step + dBits, {a.width, a.height}); };
     const ZetStatus status = under_state(state, run);
@@ -253,11 +252,10 @@ TEST(Bits, EveryWidthAndOffset) {
             Image<Zet8u> src{bytes, height, 1, bytes + r.between(0, gaps), r.pick({Fence::behind, Fence::before})};
             Image<Zet8u> dst{width, height, 1, width + r.between(0, gaps), r.pick({Fence::behind, Fence::before}), r.between(0, 15)};
             src.fill(r, r.pick({Random::uniforms, Random::highest})), dst.fill(r, Random::uniforms);
-            for (int y = 0; y < height; ++y)
-                for (int x = 0; x < width; ++x) {
-                    const int bit = offset % 8 + x;
-                    dst.expect(y, x, src.at(y, bit / 8) >> (7 - bit % 8) & 1 ? 255 : 0);
-                }
+            for (const auto [y, x] : dst.samples()) {
+                const int bit = offset % 8 + x;
+                dst.expect(y, x, src.at(y, bit / 8) >> (7 - bit % 8) & 1 ? 255 : 0);
+            }
             const Zet8u* const base = reinterpret_cast<const Zet8u*>(reinterpret_cast<std::uintptr_t>(src.data()) - offset / 8);
             ASSERT_EQ(bits_to_bytes(base, src.step, offset, dst.data(), dst.step, {width, height}), zetStsNoErr);
             ASSERT_TRUE(dst.intact() && src.intact()) << "offset " << offset;

@@ -36,13 +36,12 @@ struct Member {
     // denormals flushed, traps unmasked but for inexact results. Low bits of steps do not count.
     template <class Sample> void check(Samples& image, int lowBits, Checksum& sum, Sample sample) const {
         std::vector<double> before;
-        for (int i = 0; i < image.height * image.row; ++i) before.push_back(image.value(i / image.row, i % image.row));
+        for (const auto [y, i] : image.samples()) before.push_back(image.value(y, i));
         const auto call = [&] { return run(image.data(), image.step + lowBits, {image.width, image.height}); };
         EXPECT_EQ(under_state(0xD040, call, 0x3F), zetStsNoErr) << name();
         const int c = layout.channels;
-        for (int y = 0; y < image.height; ++y)
-            for (int k = 0; k < image.row; ++k)
-                if (k % c < layout.colours) image.want(y, k, sample(y, k / c, before[y * image.row + k], image.value(y, k)));
+        for (const auto [y, k] : image.samples())
+            if (k % c < layout.colours) image.want(y, k, sample(y, k / c, before[y * image.row + k], image.value(y, k)));
         ASSERT_TRUE(image.intact()) << name() << ", " << offset << ", " << slope << ", axis " << axis << ", " << a << ", " << b;
         EXPECT_EQ(standin_live_blocks(), 0);
         sum.add<Zet8u>(image);

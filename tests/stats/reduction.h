@@ -114,13 +114,12 @@ inline Results expected(const Call& call, const Samples& a, const Samples& b, Ze
     Results results;
     std::vector<Plain> ofA(4, Plain(m.type)), ofB = ofA, differences = ofA;
     int counts[4] = {};
-    for (int y = 0; y < a.height; ++y)
-        for (int i = 0; i < a.row; ++i) {
-            const int c = i % channels;
-            const double v = a.value(y, i), w = m.two() ? b.value(y, i) : 1;
-            ofA[c].take(v, y), ofB[c].take(w, y), differences[c].take(v - w, y);
-            counts[c] += v >= call.bound(0, c) && v <= call.bound(1, c);
-        }
+    for (const auto [y, i] : a.samples()) {
+        const int c = i % channels;
+        const double v = a.value(y, i), w = m.two() ? b.value(y, i) : 1;
+        ofA[c].take(v, y), ofB[c].take(w, y), differences[c].take(v - w, y);
+        counts[c] += v >= call.bound(0, c) && v <= call.bound(1, c);
+    }
     const bool zero =
         m.has("Rel") && std::any_of(ofB.begin(), ofB.begin() + m.layout.colours, [](const Plain& p) { return p.largest == 0; });
     status = zero ? zetStsDivByZero : zetStsNoErr;

@@ -12,10 +12,9 @@ void fill(Random& r, const Reduction& m, Samples& image) {
     const bool ties = r.chance(2), whole = m.sums() || m.two();
     const double filler = r.pick({NAN, INFINITY, -INFINITY});
     const int special = m.type == Type::f32 ? r.between(0, 9) : 9;
-    for (int y = 0; y < image.height; ++y)
-        for (int i = 0; i < image.row; ++i)
-            if (m.type != Type::f32 && ties && r.chance(2)) image.put(y, i, r.between(3, 90));
-            else if (m.type == Type::f32) image.put(y, i, whole ? r.between(-60, 60) : special == 0 ? filler : image.value(y, i) + 0.0);
+    for (const auto [y, i] : image.samples())
+        if (m.type != Type::f32 && ties && r.chance(2)) image.put(y, i, r.between(3, 90));
+        else if (m.type == Type::f32) image.put(y, i, whole ? r.between(-60, 60) : special == 0 ? filler : image.value(y, i) + 0.0);
 }
 
 bool check(const Reduction& m, Random& r, int width, int height, bool zeros = false) {

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <ranges>
 #include <vector>
 
 #include "tests/support/samples.h"
@@ -24,6 +25,10 @@ inline int any_step(Random& r, int row, std::initializer_list<int> directions, i
 }
 inline Fence any_fence(Random& r) { return r.pick({Fence::behind, Fence::before}); }
 inline int any_offset(Random& r) { return r.pick({0, r.between(0, 15)}); } // from the fence
+
+inline auto places(int rows, int perRow) { // (0, 0), (0, 1), ...
+    return std::views::iota(0, rows * perRow) | std::views::transform([=](int k) { return std::pair{k / perRow, k % perRow}; });
+}
 
 template <class T> class Image {
 public:
@@ -52,27 +57,28 @@ public:
     T* data() const { return reinterpret_cast<T*>(base_ + first_); }
     int row_samples() const { return width * channels; }
 
+    // for (const auto [y, i] : image.samples())
+    auto samples() const { return places(height, row_samples()); }
+
     // Sample i of row y, counted over all channels: as it is, and as it ought to be.
     T at(int y, int i) const { return load<T>(base_ + position(y, i)); }
     T expected(int y, int i) const { return load<T>(&shadow_[position(y, i)]); }
     void expect(int y, int i, T v) { std::memcpy(&shadow_[position(y, i)], &v, sizeof v); }
     void set(int y, int i, T v) { std::memcpy(base_ + position(y, i), &v, sizeof v), expect(y, i, v); }
     void fill(Random& r, Random::Pattern p) {
-        for (int y = 0; y < height; ++y)
-            for (int i = 0; i < row_samples(); ++i) set(y, i, r.sample<T>(p, i));
+        for (const auto [y, i] : samples()) set(y, i, r.sample<T>(p, i));
     }
 
     // Everything is as it ought to be; `close` judges samples whose bits differ.
     template <class Close = bool (*)(T, T)> testing::AssertionResult intact(Close close = same<T>) const {
         if (std::memcmp(base_, shadow_.data(), size_) == 0) return testing::AssertionSuccess();
         std::vector<unsigned char> wanted = shadow_;
-        for (int y = 0; y < height; ++y)
-            for (int i = 0; i < row_samples(); ++i) {
-                if (!close(at(y, i), expected(y, i)))
-                    return testing::AssertionFailure() << "row " << y << ", pixel " << i / channels << ", channel " << i % channels << ": "
-                                                       << text(at(y, i)) << ", not " << text(expected(y, i)) << told();
-                std::memcpy(&wanted[position(y, i)], base_ + position(y, i), bytes);
-            }
+        for (const auto [y, i] : samples()) {
+            if (!close(at(y, i), expected(y, i)))
+                return testing::AssertionFailure() << "row " << y << ", pixel " << i / channels << ", channel " << i % channels << ": "
+                                                   << text(at(y, i)) << ", not " << text(expected(y, i)) << told();
+            std::memcpy(&wanted[position(y, i)], base_ + position(y, i), bytes);
+        }
         const long stray = std::mismatch(wanted.begin(), wanted.end(), base_).first - wanted.begin();
         if (stray == size_) return testing::AssertionSuccess();
         return testing::AssertionFailure() << "stray write at byte " << stray - first_ << told();

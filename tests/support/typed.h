@@ -66,10 +66,10 @@ public:
         : Samples{t, w, h, c, any_step(r, w * c * bytes_of(t), directions, unit), any_fence(r), any_offset(r)} {
         fill(r, r.pattern());
     }
+    auto samples() const { return places(height, row); }
     void fill(Random& r, Random::Pattern p) {
         with_type(type, [&]<class T>(T) {
-            for (int y = 0; y < height; ++y)
-                for (int i = 0; i < row; ++i) put(y, i, static_cast<double>(r.sample<T>(p, i)));
+            for (const auto [y, i] : samples()) put(y, i, static_cast<double>(r.sample<T>(p, i)));
         });
     }
     double value(int y, int i) const { return load(type, data() + static_cast<long>(y) * step + i * bytes_of(type)); }
