@@ -213,8 +213,8 @@ template <class Members> void sweep(Members each_member) {
     standin_reset();
 }
 
-// The faults of a status among the arguments of a call: null pointers, those of planes too; steps, which stand behind pointers; both sides of a
-// size, or one of them where the other has its own place; values of an enumeration that are none.
+// The faults of a status among the arguments of a call: null pointers, those of planes too; steps, which stand behind pointers; both sides
+// of a size, or one of them where the other has its own place; values of an enumeration that are none.
 template <std::size_t I = 0, class F, class... A>
 void add_faults(F& f, Faults& faults, ZetStatus status, bool width, bool height, std::tuple<A...>& call) {
     if constexpr (I < sizeof...(A)) {

@@ -256,6 +256,7 @@ TEST(Bits, EveryWidthAndOffset) {
                 const int bit = offset % 8 + x;
                 dst.expect(y, x, src.at(y, bit / 8) >> (7 - bit % 8) & 1 ? 255 : 0);
             }
+            // An address only: it may lie outside the image. NOLINTNEXTLINE(performance-no-int-to-ptr)
             const Zet8u* const base = reinterpret_cast<const Zet8u*>(reinterpret_cast<std::uintptr_t>(src.data()) - offset / 8);
             ASSERT_EQ(bits_to_bytes(base, src.step, offset, dst.data(), dst.step, {width, height}), zetStsNoErr);
             ASSERT_TRUE(dst.intact() && src.intact()) << "offset " << offset;

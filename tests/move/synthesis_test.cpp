@@ -128,7 +128,8 @@ struct Noise : Sequence {
     bool waits = false;
     double next() {
         if (m.family.find("Gauss") == std::string::npos) return Sequence::next() * (m.b - m.a) * 2.3283064365387e-10 + (m.a + m.b) * 0.5;
-        if ((waits = !waits) == false) return waiting;
+        waits = !waits;
+        if (!waits) return waiting;
         double u, v, s;
         do u = Sequence::next() * 4.656612873077e-10, v = Sequence::next() * 4.656612873077e-10, s = u * u + v * v;
         while (s >= 1 || s == 0);
@@ -187,7 +188,7 @@ TEST(Synthesis, NoiseIsSound) {
                 sum += v, squares += v * v;
                 ++bins[std::clamp(static_cast<int>((gauss ? std::erfc(-v / std::sqrt(2)) / 2 : v / std::sqrt(12) + 0.5) * 32), 0, 31)];
             }
-            for (const int b : bins) chi += std::pow(b - n * n / 32, 2) / (n * n / 32);
+            for (const int b : bins) chi += std::pow(b - n * n / 32.0, 2) / (n * n / 32.0);
             for (int row = 0; row < 256; ++row)
                 for (int f = 1; f < frequencies; ++f) {
                     std::complex<double> bin = 0;

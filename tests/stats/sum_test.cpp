@@ -89,7 +89,7 @@ TEST(FloatSums, ErrorsGrowWithTheRowAlone) {
             sum += image[i], magnitudes += std::fabs(image[i]), squares += __float128(image[i]) * image[i];
         }
         for (const ZetHintAlgorithm hint : {zetAlgHintFast, zetAlgHintAccurate}) {
-            const double unit = hint == zetAlgHintFast ? (width / 4 + 8) * 0x1p-24 : 1.0 * width * height * 0x1p-53;
+            const double unit = hint == zetAlgHintFast ? (width / 4.0 + 8) * 0x1p-24 : 1.0 * width * height * 0x1p-53;
             const auto error = [&](const char* family, auto exact, auto all) { // in units of what all terms weigh
                 __float128 got = called(family, pixel_layouts[1], image.data(), image.data(), 12 * width, {width, height}, hint).value(2);
                 if (family == std::string("Norm_L2")) got *= got;

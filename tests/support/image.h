@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <ranges>
 #include <vector>
 
 #include "tests/support/samples.h"
@@ -26,9 +25,17 @@ inline int any_step(Random& r, int row, std::initializer_list<int> directions, i
 inline Fence any_fence(Random& r) { return r.pick({Fence::behind, Fence::before}); }
 inline int any_offset(Random& r) { return r.pick({0, r.between(0, 15)}); } // from the fence
 
-inline auto places(int rows, int perRow) { // (0, 0), (0, 1), ...
-    return std::views::iota(0, rows * perRow) | std::views::transform([=](int k) { return std::pair{k / perRow, k % perRow}; });
-}
+struct Places { // (0, 0), (0, 1), ...: rows of so many samples
+    struct Iterator {
+        int perRow, at;
+        std::pair<int, int> operator*() const { return {at / perRow, at % perRow}; }
+        void operator++() { ++at; }
+        bool operator!=(const Iterator& other) const { return at != other.at; }
+    };
+    int rows, perRow;
+    Iterator begin() const { return {perRow, 0}; }
+    Iterator end() const { return {perRow, rows * perRow}; }
+};
 
 template <class T> class Image {
 public:
@@ -58,7 +65,7 @@ public:
     int row_samples() const { return width * channels; }
 
     // for (const auto [y, i] : image.samples())
-    auto samples() const { return places(height, row_samples()); }
+    Places samples() const { return {height, row_samples()}; }
 
     // Sample i of row y, counted over all channels: as it is, and as it ought to be.
     T at(int y, int i) const { return load<T>(base_ + position(y, i)); }

@@ -66,7 +66,7 @@ public:
         : Samples{t, w, h, c, any_step(r, w * c * bytes_of(t), directions, unit), any_fence(r), any_offset(r)} {
         fill(r, r.pattern());
     }
-    auto samples() const { return places(height, row); }
+    Places samples() const { return {height, row}; }
     void fill(Random& r, Random::Pattern p) {
         with_type(type, [&]<class T>(T) {
             for (const auto [y, i] : samples()) put(y, i, static_cast<double>(r.sample<T>(p, i)));
