@@ -20,7 +20,7 @@ template <class T> struct Arith : Elementwise<T> {
     using R = Real<T>;
     using Elementwise<T>::layout, Elementwise<T>::inPlace, Elementwise<T>::s, Elementwise<T>::constant, Elementwise<T>::constants;
     Op op;
-    std::array<T, 4> divisors{}; // with a zero among them
+    std::array<T, 4> divisors{}; // the constants, but a zero for one of them
 
     Arith(Op o, bool byConstant, bool isInPlace = false, const PixelLayout& l = pixel_layouts[0])
         : Elementwise<T>{op_names[static_cast<int>(o)] + std::string(byConstant ? "C" : ""), l, isInPlace, byConstant, !is_float<T>},
@@ -98,6 +98,7 @@ template <class T> struct Arith : Elementwise<T> {
                     a.set(y, i, zero ? 0 : tame());
                 }
         }
+        divisors = constants, divisors[layout.colours - 1] = T{};
         if (op == Op::Div) appease(r, a, layout, number<T>(1), T{}, is_zero<T>);
     }
 
@@ -109,16 +110,11 @@ template <class T> struct Arith : Elementwise<T> {
         if (constant && op == Op::Div) all.push_back(zetStsDivByZeroErr);
         return all;
     }
-    template <class... A> void add_errors(std::vector<Error<std::tuple<A...>>>& errors) {
-        using Arguments = std::tuple<A...>;
-        constexpr std::size_t at = std::is_same_v<std::tuple_element_t<1, Arguments>, int> ? 2 : 0; // behind the source, if there is one
-        divisors.fill(number<T>(2));
-        divisors[layout.colours - 1] = T{};
-        errors.push_back({zetStsDivByZeroErr, [this](Arguments& a) {
-                              auto& v = std::get<at>(a);
-                              if constexpr (std::is_same_v<std::decay_t<decltype(v)>, T>) v = T{};
-                              else if constexpr (std::is_same_v<std::decay_t<decltype(v)>, const T*>) v = v ? divisors.data() : v;
-                          }});
+    void own_faults(Faults& faults, ZetStatus status, T& value, int) const {
+        if (status == zetStsDivByZeroErr) faults.add(status, value, {T{}});
+    }
+    void own_faults(Faults& faults, ZetStatus status, const T*& values, int) const {
+        if (status == zetStsDivByZeroErr && values == constants.data()) faults.add(status, values, {divisors.data()});
     }
 };
 

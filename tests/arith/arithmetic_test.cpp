@@ -59,7 +59,7 @@ TEST(Arithmetic, EstimatedQuotientsDoNotDependOnThePlace) {
     for (int x = 0; x < 64; ++x) a.set(0, x, a.at(0, x) == 0 ? 3 : a.at(0, x)); // four pixels with a zero among them are divided exactly
     const auto run = [&](int from, int width, float* d) {
         f.call(Operands<const float*, float*>{a.data() + from, 256, b.data() + from, 256, d, 256, {width, 1}},
-               [](auto... x) { member<ZetStatus(decltype(x)...)>("zetiDiv_32f_C1R")(x...); });
+               [](auto... x) { call_member("zetiDiv_32f_C1R", x...); });
     };
     float alone[64];
     for (int x = 0; x < 64; ++x) run(x, 1, &alone[x]);
@@ -70,21 +70,6 @@ TEST(Arithmetic, EstimatedQuotientsDoNotDependOnThePlace) {
             run(from, width, d.data());
             ASSERT_TRUE(d.intact()) << from;
         }
-}
-
-// Rows more than 2 GiB apart.
-TEST(Arithmetic, StepsBeyondTwoGigabytes) {
-    if (sizeof(void*) == 4) GTEST_SKIP() << "no such image fits the address space";
-    const std::size_t step = 1 << 30, height = 5, all = sizeof(void*) == 4 ? 0 : step * height;
-    void* const memory = mmap(nullptr, all, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    ASSERT_NE(memory, MAP_FAILED);
-    Zet8u* const d = static_cast<Zet8u*>(memory);
-    const Zet8u a[3] = {1, 2, 3}, b[3] = {10, 20, 30};
-    const auto add = member<ZetStatus(const Zet8u*, int, const Zet8u*, int, Zet8u*, int, ZetiSize, int)>("zetiAdd_8u_C3RSfs");
-    EXPECT_EQ(add(+a, 0, +b, 0, d, 1 << 30, ZetiSize{1, 5}, 0), zetStsNoErr);
-    for (std::size_t y = 0; y < height; ++y)
-        EXPECT_EQ(d[y * step] + d[y * step + 1] * 256 + d[y * step + 2] * 65536, 11 + 22 * 256 + 33 * 65536) << y;
-    munmap(memory, all);
 }
 
 } // namespace

@@ -31,14 +31,13 @@ template <class T> struct Key : Elementwise<T> {
         for (T& key : constants) key = static_cast<T>(r.chance(4));
         const bool mayMatch = !r.chance(5);
         for (Image<T>* image : {&b, &a})
-            for (int y = 0; y < image->height; ++y)
-                for (int i = 0; i < image->row_samples(); ++i) {
-                    const int other = r.between(2, 252);
-                    image->set(y, i, static_cast<T>(mayMatch && image == &a && !r.chance(9) ? r.chance(4) : other));
-                }
+            for (const auto [y, i] : image->samples()) {
+                const int other = r.between(2, 252);
+                image->set(y, i, static_cast<T>(mayMatch && image == &a && !r.chance(9) ? r.chance(4) : other));
+            }
     }
     std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr, zetStsAlphaTypeErr}; }
-    std::pair<ZetStatus, std::vector<int>> unknown() const { return {zetStsAlphaTypeErr, {6, 11, 12, -1, INT_MIN}}; }
+    std::vector<int> unknown() const { return {6, 11, 12, -1, INT_MIN}; }
 };
 
 constexpr auto each_member = [](auto use) {

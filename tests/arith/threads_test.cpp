@@ -35,7 +35,7 @@ TEST(Threads, ForkFromTheirBounds) {
             standin_set_threads(1);
             f.s = s;
             f.call(Operands<const T*, T*>{image.data(), step, image.data(), step, image.data(), step, {width, height}},
-                   [&](auto... x) { member<ZetStatus(decltype(x)...)>(f.name())(x...); });
+                   [&](auto... x) { call_member(f.name(), x...); });
             return standin_thread_queries() > 0;
         };
         const struct { int s, bound; } paths[] = {{0, from.unscaled}, {1, from.half}, {2, from.down}, {7, from.down}, {-1, 0}, {-40, 0}};

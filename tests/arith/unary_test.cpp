@@ -60,7 +60,7 @@ template <class T> struct DivRound : Elementwise<T> {
         appease(r, a, this->layout, T(1), T(0), [](T v) { return v == 0; });
     }
     std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr, zetStsRoundModeNotSupportedErr}; }
-    std::pair<ZetStatus, std::vector<int>> unknown() const { return {zetStsRoundModeNotSupportedErr, {3, -1, INT_MAX}}; }
+    std::vector<int> unknown() const { return {3, -1, INT_MAX}; }
 };
 
 template <class T> Unary<T> unary(Function f, const PixelLayout& l = pixel_layouts[0], bool inPlace = false) {

@@ -39,9 +39,10 @@ struct Call : Case {
     const void* values;
     int srcStep, dstStep;
 
+    std::string told() const { return "source at " + std::to_string(left) + ", " + std::to_string(top); }
     ZetStatus run() const {
         return with_type(m.type, [&]<class T>(T) {
-            const auto call = [&](auto... arguments) { return member<ZetStatus(decltype(arguments)...)>(m.name())(arguments...); };
+            const auto call = [&](auto... arguments) { return call_member(m.name(), arguments...); };
             const T *p = static_cast<const T*>(from), *v = static_cast<const T*>(values);
             T* const d = static_cast<T*>(to);
             if (m.inPlace) return call(const_cast<T*>(p), srcStep, src, dst, top, left);
@@ -71,11 +72,7 @@ bool check(const Member& m, Random& r, const Case& k, Checksum& sum) {
     });
     Zet8u* const corner = dst.data() + long{k.top} * dst.step + k.left * pixel;
     const Call call = {k, m, inside ? corner : src.data(), dst.data(), value.data(), inside ? dst.step : src.step, dst.step};
-    const bool good = call.run() == zetStsNoErr && src.intact() && dst.intact();
-    EXPECT_TRUE(good) << m.name() << ": " << dst.intact().message() << ", source " << k.src.width << " x " << k.src.height << " at "
-                      << k.left << ", " << k.top;
-    sum.add(dst);
-    return good;
+    return expect_done(call, src, dst, sum);
 }
 
 Case any_case(Random& r, int i) {
@@ -113,8 +110,7 @@ TEST(Border, ChecksInTheirOrder) {
             for (int* edge : {&call.top, &call.left}) faults.add(zetStsSizeErr, *edge, {-1, INT_MIN, 4, INT_MAX});
             for (int* most : {&call.src.width, &call.src.height}) faults.add(zetStsSizeErr, *most, {6, INT_MAX}); // at column 1 and row 1
             faults.add(zetStsSizeErr, call.src, {{5, 3}}).add(zetStsSizeErr, call.dst, {{2, 6}, {5, 3}});
-            faults.expect_order(
-                m.name(), [&] { return call.run(); }, [&] { return std::count(image, image + 64, 0) == 64; });
+            faults.expect_order(call, [&] { return std::count(image, image + 64, 0) == 64; });
         });
 }
 

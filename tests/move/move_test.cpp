@@ -114,9 +114,8 @@ struct Call {
 
 private:
     template <class... A> ZetStatus call(A... head) const {
-        if (m.masked) return member<ZetStatus(A..., ZetiSize, const Zet8u*, int)>(m.name())(head..., roi, mask, maskStep);
-        if (m.family == "CopyManaged") return member<ZetStatus(A..., ZetiSize, int)>(m.name())(head..., roi, flags);
-        return member<ZetStatus(A..., ZetiSize)>(m.name())(head..., roi);
+        if (m.masked) return call_member(m.name(), head..., roi, mask, maskStep);
+        return m.family == "CopyManaged" ? call_member(m.name(), head..., roi, flags) : call_member(m.name(), head..., roi);
     }
 };
 
@@ -189,8 +188,7 @@ TEST(Move, ChecksInTheirOrder) {
         if (m.masked) faults.null(call.mask);
         if (m.sets() && m.form.moved > 1) faults.null(call.values);
         faults.size(call.roi);
-        faults.expect_order(
-            m.name(), [&] { return call.run(); }, [&] { return call.intact(); });
+        faults.expect_order(call, [&] { return call.intact(); });
     });
 }
 

@@ -2,9 +2,12 @@
 // Results whose samples are constants, or those of the source in other places. They are compared as bytes.
 #pragma once
 
-#include "tests/arith/pixelwise.h"
-#include "tests/move/faults.h"
-#include "tests/move/typed.h"
+#include "tests/support/checksum.h"
+#include "tests/support/faults.h"
+#include "tests/support/layouts.h"
+#include "tests/support/member.h"
+#include "tests/support/typed.h"
+#include "tests/support/zetcore_standin.h"
 
 namespace test {
 
@@ -24,6 +27,16 @@ template <class Of> void expect_moved(const Image<Zet8u>& src, Image<Zet8u>& dst
             for (int b = 0; b < size && fc >= 0; ++b)
                 dst.expect(y, i * size + b, fy < 0 ? constants.at(0, fc * size + b) : src.at(fy, fx * src.channels + fc * size + b));
         }
+}
+
+// The call does that and nothing else. False after a failure.
+template <class Call>
+bool expect_done(const Call& call, const Image<Zet8u>& src, const Image<Zet8u>& dst, Checksum& sum, ZetStatus expected = zetStsNoErr) {
+    const ZetStatus status = call.run();
+    const bool good = status == expected && src.intact() && dst.intact();
+    EXPECT_TRUE(good) << call.m.name() << " gives " << status << ": " << dst.intact().message() << ", " << call.told();
+    sum.add(dst);
+    return good;
 }
 
 // Constants. A NaN might not pass as the value that it is.

@@ -45,13 +45,13 @@ struct Call {
     const int* order = nullptr;
     const void* value = nullptr;
 
+    std::string told() const { return "flip " + std::to_string(flip); }
     ZetStatus run() const {
         return with_type(m.type, [&]<class T>(T) {
             const auto call = [&](auto... more) {
                 T* const to = static_cast<T*>(dst);
-                if (m.inPlace) return member<ZetStatus(T*, int, ZetiSize, decltype(more)...)>(m.name())(to, dstStep, roi, more...);
-                return member<ZetStatus(const T*, int, T*, int, ZetiSize, decltype(more)...)>(m.name())(static_cast<const T*>(src), srcStep,
-                                                                                                        to, dstStep, roi, more...);
+                if (m.inPlace) return call_member(m.name(), to, dstStep, roi, more...);
+                return call_member(m.name(), static_cast<const T*>(src), srcStep, to, dstStep, roi, more...);
             };
             if (!m.swaps()) return m.family == "Mirror" ? call(flip) : call();
             return m.widens() ? call(order, load<T>(value)) : call(order);
@@ -84,11 +84,7 @@ bool check(Call call, Random& r, bool same, Checksum& sum) {
     if (expected == zetStsNoErr) expect_moved(src, dst, value, size, [&](int y, int x, int c) { return origin(call, y, x, c); });
     const Image<Zet8u>& from = same ? dst : src;
     call.src = from.data(), call.srcStep = from.step, call.dst = dst.data(), call.dstStep = dst.step, call.value = value.data();
-    const ZetStatus status = call.run();
-    const bool good = status == expected && dst.intact() && src.intact();
-    EXPECT_TRUE(good) << m.name() << " gives " << status << ", flip " << call.flip << ": " << dst.intact().message();
-    sum.add(dst);
-    return good;
+    return expect_done(call, src, dst, sum, expected);
 }
 
 ZetiSize any_size(Random& r, int i) {
@@ -139,15 +135,16 @@ TEST(Rearrange, ChecksInTheirOrder) {
             if (m.swaps()) faults.null(call.order);
             faults.size(call.roi);
             if (m.swaps() && !m.inPlace) faults.step(call.srcStep);
-            if (m.swaps()) faults.step(call.dstStep).add(zetStsChannelOrderErr, call.order, {negative, least});
-            if (m.swaps() && !m.widens()) faults.add(zetStsChannelOrderErr, call.order, {four, largest});
-            if (m.swaps() && m.layout.colours() == 4) faults.add(zetStsChannelOrderErr, call.order, {last});
-            if (m.swaps() && (m.layout.from == 3 || m.layout.keepsAlpha()) && !m.widens())
-                faults.add(zetStsChannelOrderErr, call.order, {three});
+            if (m.swaps()) faults.step(call.dstStep);
+            const auto orders = [&](bool wrong, auto... bad) {
+                if (wrong) faults.add(zetStsChannelOrderErr, call.order, {bad...});
+            };
+            const bool swaps = m.swaps(), narrow = swaps && !m.widens();
+            orders(swaps, negative, least), orders(narrow, four, largest), orders(swaps && m.layout.colours() == 4, last);
+            orders(narrow && (m.layout.from == 3 || m.layout.keepsAlpha()), three);
             if (m.family == "Mirror")
                 faults.add(zetStsMirrorFlipErr, call.flip, {-1, 3, INT_MIN, INT_MAX}).add(zetStsSizeErr, call.roi, {{1, 2}, {2, 1}});
-            faults.expect_order(
-                m.name(), [&] { return call.run(); }, [&] { return std::count(image, image + 64, 0) == 64; });
+            faults.expect_order(call, [&] { return std::count(image, image + 64, 0) == 64; });
         });
 }
 

@@ -43,7 +43,3 @@ class Consumer(unittest.TestCase):
         run(CC, *CFLAGS, PROJECT / "consumer.c", *flags, f"-Wl,-rpath,{self.libraries}", "-o", program)
         self.assertEqual(run(program), self.answer)
         self.assertEqual(run("pkg-config", "--modversion", "zeti", env=environment).strip(), "7.1.1")
-
-
-if __name__ == "__main__":
-    unittest.main()

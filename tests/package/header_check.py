@@ -30,7 +30,3 @@ class Header(unittest.TestCase):
                     # Twice: the second time the guard must hide it.
                     text = f"#include <zeti/{header.name}>\n" * 2
                     run(compiler, *CFLAGS, "-x", language, f"-std={standard}", *STRICT, "-I", SOURCE / "include", "-", input=text)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -43,7 +43,3 @@ class Image(unittest.TestCase):
                 self.assertIn("GNU_RELRO", [s.kind for s in library.segments])
                 self.assertEqual(["E" in s.flags for s in library.segments if s.kind == "GNU_STACK"], [False])
                 self.assertEqual([s for s in library.segments if {"W", "E"} <= set(s.flags)], [], "writable code")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -94,7 +94,3 @@ class SelfTest(unittest.TestCase):
         found, seen = self.check(base)
         self.assertEqual(found, [])
         self.assertEqual(seen, len(base))
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -26,7 +26,3 @@ class Names(unittest.TestCase):
     def test_exports_of_core_services(self):
         names = ["ownGetNumThreads", "zetFree", "zetGetMaxCacheSizeB", "zetMalloc"]
         self.assertEqual(exported(ZETCORE), [f"{name}@@ZETCORE_7" for name in names])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -56,7 +56,3 @@ class Table(unittest.TestCase):
         helper = address + 5 + signed(code[1:5])
         returns = self.library.content(helper, 4) == b"\x8b\x0c\x24\xc3"  # movl (%esp), %ecx; ret
         return address + 5 + signed(code[7:]) if returns else None
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -59,13 +59,11 @@ template <class T> std::vector<typename TableCall<T>::V> random_levels(Random& r
 
 // Samples about the levels, and any.
 template <class T> void fill(Random& r, Image<T>& image, const std::vector<typename TableCall<T>::V>& levels) {
-    for (int y = 0; y < image.height; ++y)
-        for (int i = 0; i < image.row_samples(); ++i) {
-            const auto level = levels[r.between(0, static_cast<int>(levels.size()) - 1)];
-            const bool fits = level > std::numeric_limits<T>::lowest() && level < std::numeric_limits<T>::max();
-            image.set(y, i,
-                      r.chance(4) || !fits ? r.sample<T>(Random::mixed, i) : static_cast<T>(level + static_cast<T>(r.between(-1, 1))));
-        }
+    for (const auto [y, i] : image.samples()) {
+        const auto level = levels[r.between(0, static_cast<int>(levels.size()) - 1)];
+        const bool fits = level > std::numeric_limits<T>::lowest() && level < std::numeric_limits<T>::max();
+        image.set(y, i, r.chance(4) || !fits ? r.sample<T>(Random::mixed, i) : static_cast<T>(level + static_cast<T>(r.between(-1, 1))));
+    }
 }
 
 template <class Use> void each_type(Use use) { use(Zet8u{}), use(Zet16u{}), use(Zet16s{}), use(Zet32f{}); }

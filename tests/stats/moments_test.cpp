@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // Moments: the scans against plain loops, the getters against sums over the pixels, the records, and the extended numbers of the 64s getters against
 // the processor's own.
+#include <complex>
+
 #include "stats/moments_extended.h"
-#include "tests/arith/pixelwise.h"
-#include "tests/move/faults.h"
+#include "tests/support/checksum.h"
+#include "tests/support/faults.h"
+#include "tests/support/layouts.h"
+#include "tests/support/member.h"
+#include "tests/support/zetcore_standin.h"
 
 using namespace test;
 
@@ -29,12 +34,10 @@ template <class V> struct Block {
 };
 
 template <class V, class T> ZetStatus scan(const PixelLayout& l, const T* src, int srcStep, ZetiSize roi, State<V>* state) {
-    const std::string name = "zetiMoments" + token<V>() + "_" + token<T>() + "_" + l.name + "R";
-    return member<ZetStatus(const T*, int, ZetiSize, State<V>*)>(name)(src, srcStep, roi, state);
+    return call_member("zetiMoments" + token<V>() + "_" + token<T>() + "_" + l.name + "R", src, srcStep, roi, state);
 }
-template <class V, class T> void expect_scan(const PixelLayout& l, const Image<T>& image, State<V>* state) {
-    ASSERT_EQ((scan<V, T>(l, image.data(), image.step, {image.width, image.height}, state)), zetStsNoErr)
-        << token<V>() << token<T>() << l.name;
+template <class V, class T> void expect_scan(const PixelLayout& l, const Image<T>& image, const Block<V>& block) {
+    ASSERT_EQ((scan<V, T>(l, image.data(), image.step, {image.width, image.height}, block.state())), zetStsNoErr) << l.name;
 }
 
 // Two chains a row; integers wrap.
@@ -54,7 +57,7 @@ template <class Sum, class T> void reference(const Image<T>& image, int channel,
 template <class V, class T> void check_scan(const PixelLayout& l, const Image<T>& image) {
     using Sum = std::conditional_t<std::is_same_v<V, Zet64f>, Zet64f, std::uint64_t>;
     const Block<V> block;
-    expect_scan<V>(l, image, block.state());
+    expect_scan(l, image, block);
     const Record<V> r = block.record();
     EXPECT_TRUE(r.idCtx == tag<V> && r.hint == 2 && r.numChannels == l.colours);
     for (int c = 0; c < 3; ++c) {
@@ -106,41 +109,30 @@ TEST(MomentScans, EveryMemberAtEveryWidth) {
     }
 }
 
-TEST(MomentRecords, LifeCycle) {
-    standin_reset();
+template <class V> void check_life() {
+    const auto make = [](State<V>** to) { return call_member("zetiMomentInitAlloc_" + token<V>(), to, zetAlgHintAccurate); };
+    const auto release = [](State<V>* state) { return call_member("zetiMomentFree_" + token<V>(), state); };
     const int live = standin_live_blocks();
-    const auto life = [&]<class V>(V) {
-        const std::string suffix = "_" + token<V>();
-        const auto init = member<ZetStatus(State<V>**, ZetHintAlgorithm)>("zetiMomentInitAlloc" + suffix);
-        const auto free = member<ZetStatus(State<V>*)>("zetiMomentFree" + suffix);
-        State<V>* state = nullptr;
-        State<V>** const none = nullptr;
-        EXPECT_EQ(init(none, zetAlgHintAccurate), zetStsNullPtrErr);
-        EXPECT_EQ(free(state), zetStsNullPtrErr);
-        standin_refuse_allocation(1);
-        EXPECT_EQ(init(&state, zetAlgHintAccurate), zetStsMemAllocErr);
-        EXPECT_EQ(state, nullptr);
-        ASSERT_EQ(init(&state, zetAlgHintAccurate), zetStsNoErr);
-        EXPECT_EQ(standin_last_bytes(), 400);
-        const Record<V> made = load<Record<V>>(state);
-        EXPECT_TRUE(made.idCtx == tag<V> && made.hint == 2 && made.numChannels == -1);
-        for (const int idCtx : {0, 67 - tag<V>}) EXPECT_EQ(free(Block<V>(idCtx).state()), zetStsContextMatchErr);
-        EXPECT_EQ(standin_live_blocks(), live + 1);
-        EXPECT_EQ(free(state), zetStsNoErr);
-        EXPECT_EQ(standin_live_blocks(), live);
-    };
-    life(Zet64f{}), life(Zet64s{});
+    State<V>* state = nullptr;
+    EXPECT_TRUE(make(nullptr) == zetStsNullPtrErr && release(nullptr) == zetStsNullPtrErr);
+    standin_refuse_allocation(1);
+    EXPECT_TRUE(make(&state) == zetStsMemAllocErr && !state);
+    ASSERT_EQ(make(&state), zetStsNoErr);
+    EXPECT_EQ(std::memcmp(state, Block<V>().state(), 12), 0); // tag, hint, no channels
+    for (const int idCtx : {0, 67 - tag<V>}) EXPECT_EQ(release(Block<V>(idCtx).state()), zetStsContextMatchErr);
+    EXPECT_TRUE(standin_last_bytes() == 400 && standin_live_blocks() == live + 1);
+    EXPECT_TRUE(release(state) == zetStsNoErr && standin_live_blocks() == live);
+}
 
+TEST(MomentRecords, LifeCycle) {
+    standin_reset(), check_life<Zet64f>(), check_life<Zet64s>();
+    const auto get_size = [](int* size) { return call_member("zetiMomentGetStateSize_64s", zetAlgHintNone, size); };
+    const auto init = [](ZetiMomentState_64s* state) { return call_member("zetiMomentInit_64s", state, zetAlgHintAccurate); };
     int size = 0;
-    int* const nowhere = nullptr;
-    ZetiMomentState_64s* const none = nullptr;
-    const auto get_size = member<ZetStatus(ZetHintAlgorithm, int*)>("zetiMomentGetStateSize_64s");
-    const auto init = member<ZetStatus(ZetiMomentState_64s*, ZetHintAlgorithm)>("zetiMomentInit_64s");
-    EXPECT_TRUE(get_size(zetAlgHintNone, nowhere) == zetStsNullPtrErr && init(none, zetAlgHintNone) == zetStsNullPtrErr);
-    EXPECT_TRUE(get_size(zetAlgHintNone, &size) == zetStsNoErr && size == 400);
-    const Block<Zet64s> block(0), untouched;
-    EXPECT_EQ(init(block.state(), zetAlgHintAccurate), zetStsNoErr);
-    EXPECT_EQ(std::memcmp(block.state(), untouched.state(), 400), 0);
+    const Block<Zet64s> block(0), made;
+    EXPECT_TRUE(get_size(nullptr) == zetStsNullPtrErr && init(nullptr) == zetStsNullPtrErr);
+    EXPECT_TRUE(get_size(&size) == zetStsNoErr && size == 400 && init(block.state()) == zetStsNoErr);
+    EXPECT_EQ(std::memcmp(block.state(), made.state(), 400), 0);
 }
 
 // --- Getters ------------------------------------------------------------------------------------------------------------
@@ -157,8 +149,8 @@ template <class V> struct Get {
     ZetStatus run(Getter g, V* v) const {
         const auto call = [&](auto... arguments) {
             const std::string name = std::string("zetiGet") + getters[g] + "_" + token<V>();
-            if constexpr (!is_float<V>) return member<ZetStatus(decltype(arguments)..., int)>(name)(arguments..., scale);
-            else return member<ZetStatus(decltype(arguments)...)>(name)(arguments...);
+            if constexpr (is_float<V>) return call_member(name, arguments...);
+            else return call_member(name, arguments..., scale);
         };
         if (g == hu) return call(state, c, v);
         return g % 2 == spatial ? call(state, m, n, c, offset, v) : call(state, m, n, c, v);
@@ -198,7 +190,7 @@ template <class V> void check_getters(int scale, Checksum& sum) {
             for (int k = 0; k < image.row_samples(); ++k) image.set(y, k, r.uniform<Zet8u>() % 4);
         for (int k = 0; k < 3; ++k) image.set(0, k, 1);
         const Block<V> block;
-        expect_scan<V>(pixel_layouts[1], image, block.state());
+        expect_scan(pixel_layouts[1], image, block);
         const int c = r.between(0, 2);
         const ZetiPoint offset = {r.between(-99, 99), r.pick({0, r.between(-9999, 9999)})};
         const long double mass = about(image, c, 0, 0, 0, 0), xc = about(image, c, 0, 1, 0, 0) / mass,
@@ -217,16 +209,13 @@ template <class V> void check_getters(int scale, Checksum& sum) {
                     sum.add(v), expect_near(v, exact, magnitude, getters[g] + std::to_string(m) + std::to_string(n), scale);
                 }
         const auto nu = [&](int p, int q) { return about(image, c, q, p, xc, yc) * std::pow(mass, -0.5L * (p + q + 2)); };
-        const auto sq = [](long double x) { return x * x; };
-        const long double v20 = nu(2, 0), v02 = nu(0, 2), v11 = nu(1, 1), v30 = nu(3, 0), v12 = nu(1, 2), v21 = nu(2, 1), v03 = nu(0, 3);
-        const long double p = v30 + v12, q = v21 + v03, s = v30 - 3 * v12, t = 3 * v21 - v03;
-        const long double expected[7] = {v20 + v02,
-                                         4 * sq(v11) + sq(v20 - v02),
-                                         sq(s) + sq(t),
-                                         sq(p) + sq(q),
-                                         s * p * (sq(v12 + v03) - 3 * sq(q)) + t * q * (3 * sq(p) - sq(q)), // not v30 in the first square
-                                         (v20 - v02) * (sq(p) - sq(q)) + 4 * v11 * p * q,
-                                         t * p * (sq(p) - 3 * sq(q)) - s * q * (3 * sq(p) - sq(q))};
+        const long double v20 = nu(2, 0), v02 = nu(0, 2), v30 = nu(3, 0), v12 = nu(1, 2), v21 = nu(2, 1), v03 = nu(0, 3);
+        const std::complex<long double> a(v20 - v02, 2 * nu(1, 1)), b(v30 - 3 * v12, 3 * v21 - v03), z(v30 + v12, v21 + v03);
+        const auto cubes = b * std::conj(z * z * z);
+        const long double other = std::real(b) * std::real(z) * ((v12 + v03) * (v12 + v03) - std::real(z) * std::real(z)); // not v30 there
+        const long double expected[] = {
+            v20 + v02,       std::norm(a), std::norm(b), std::norm(z), std::real(cubes) + other, std::real(a * std::conj(z * z)),
+            std::imag(cubes)};
         V h[7] = {};
         EXPECT_EQ((Get<V>{block.state(), 0, 0, c, offset, scale}.run(hu, h)), zetStsNoErr);
         for (int k = 0; k < 7; ++k) sum.add(h[k]), expect_near(h[k], expected[k], expected[0] * 50, "Hu " + std::to_string(k), scale);
@@ -243,27 +232,24 @@ TEST(MomentGetters, AgreeWithSumsOverThePixels) {
 template <class V> void check_statuses() {
     const Block<V> block, wrong(0);
     Image<Zet8u> dot(3, 2, 4, 12);
-    for (int i = 0; i < 24; ++i) dot.set(i / 12, i % 12, 0);
+    for (int i = 0; i < 24; ++i) dot.set(i / 12, i % 12, i == 0 ? 5 : 0); // of other channels black
     for (const Getter g : {spatial, central, normal_spatial, normal_central, hu}) {
-        V values[7] = {77, 77, 77, 77, 77, 77, 77}, *to = values;
+        V values[7], *to = values;
+        std::fill_n(values, 7, V{77});
+        const auto untouched = [&] { return std::count(values, values + 7, V{77}) == 7; };
         Get<V> get = {block.state()};
         block.put({tag<V>, 2, -1, 0, {}}); // before any scan
         for (const int c : {-1, 0, 1, 3}) {
             get.c = c;
             EXPECT_EQ(get.run(g, to), zetStsCOIErr);
         }
-        get.c = 2, dot.set(0, 0, 0);
-        expect_scan<V>(pixel_layouts[3], dot, block.state());
-        EXPECT_EQ(get.run(g, to), g >= normal_spatial ? zetStsMoment00ZeroErr : zetStsNoErr); // black
-        EXPECT_EQ(values[0], g >= normal_spatial ? 77 : 0);
-
-        values[0] = 77, get.c = 0, dot.set(0, 0, 5);
-        expect_scan<V>(pixel_layouts[3], dot, block.state());
-        const auto untouched = [&] { return std::count(values, values + 7, V{77}) == 7; };
+        expect_scan(pixel_layouts[3], dot, block);
+        get.c = 0;
         Faults faults;
         faults.null(get.state, to).add(zetStsContextMatchErr, get.state, {wrong.state()});
         if (g != hu) faults.add(zetStsSizeErr, get.m, {4, INT_MAX}).add(zetStsSizeErr, get.n, {4, INT_MAX});
         faults.add(zetStsCOIErr, get.c, {3, -1, INT_MIN, INT_MAX});
+        if (g >= normal_spatial) faults.add(zetStsMoment00ZeroErr, get.c, {1, 2});
         faults.expect_order(
             getters[g], [&] { return get.run(g, to); }, untouched);
         if (g == hu) continue;
@@ -275,62 +261,53 @@ template <class V> void check_statuses() {
         EXPECT_TRUE(untouched());
         get.m = -1, get.n = 4;
         EXPECT_EQ(get.value(g), g < normal_spatial ? 5 : V(5 * std::pow(5, -2.5)));
+        get.c = 2; // black
+        EXPECT_TRUE(g >= normal_spatial || get.value(g) == 0);
     }
 }
 
-TEST(MomentGetters, StatusesAndOrders) {
-    check_statuses<Zet64f>();
-    check_statuses<Zet64s>();
-}
+TEST(MomentGetters, StatusesAndOrders) { check_statuses<Zet64f>(), check_statuses<Zet64s>(); }
 
 // Sums near the bounds of 64 bits: exact in, saturated out, any scale factor.
 TEST(MomentGetters, LargeIntegers) {
     const Block<Zet64s> block;
     block.put({34, 0, 1, 0, {{LLONG_MAX, LLONG_MIN}}});
-    const struct {
-        int n, x, scale;
-        Zet64s expected;
-    } cases[] = {{0, 0, 0, LLONG_MAX},
-                 {1, 0, 0, LLONG_MIN},
-                 {1, 1, 0, -1},
-                 {1, 3, 0, LLONG_MAX},
-                 {1, -1, 0, LLONG_MIN},
-                 {1, INT_MIN, 31, LLONG_MIN},
-                 {0, 0, 62, 1},
-                 {1, 0, 62, -2},
-                 {1, 0, 64, 0},
-                 {0, 0, INT_MAX, 0},
-                 {0, 0, INT_MIN, LLONG_MAX},
-                 {1, 0, INT_MIN, LLONG_MIN}};
-    for (const auto& k : cases)
-        EXPECT_EQ((Get<Zet64s>{block.state(), 0, k.n, 0, {k.x, 0}, k.scale}.value(spatial)), k.expected)
-            << k.n << ' ' << k.x << ' ' << k.scale;
+    for (const auto& [n, x, scale, expected] : {std::tuple{0, 0, 0, LLONG_MAX},
+                                                {1, 0, 0, LLONG_MIN},
+                                                {1, 1, 0, -1LL},
+                                                {1, 3, 0, LLONG_MAX},
+                                                {1, -1, 0, LLONG_MIN},
+                                                {1, INT_MIN, 31, LLONG_MIN},
+                                                {0, 0, 62, 1LL},
+                                                {1, 0, 62, -2LL},
+                                                {1, 0, 64, 0LL},
+                                                {0, 0, INT_MAX, 0LL},
+                                                {0, 0, INT_MIN, LLONG_MAX},
+                                                {1, 0, INT_MIN, LLONG_MIN}})
+        EXPECT_EQ((Get<Zet64s>{block.state(), 0, n, 0, {x, 0}, scale}.value(spatial)), expected) << n << ' ' << x << ' ' << scale;
 }
 
 // --- Numbers of 64 significant bits: the processor has them too -------------------------------------------------------------
 
 TEST(MomentNumbers, AreThoseOfTheProcessor) {
+    using zeti::Extended;
     static_assert(std::numeric_limits<long double>::digits == 64);
-    const auto same_number = [](zeti::Extended a, long double b) {
+    const auto expect_same = [](Extended a, long double b) {
         const double high = static_cast<double>(b), low = static_cast<double>(b - high);
-        return (a - (zeti::Extended(high) + zeti::Extended(low))).is_zero();
+        ASSERT_TRUE((a - (Extended(high) + Extended(low))).is_zero()) << b;
     };
     Random r("extended");
-    const auto draw = [&] {
-        const Zet64s any = static_cast<Zet64s>(
-            r.pick({r.bits(), r.bits() >> r.between(0, 63), static_cast<std::uint64_t>(r.between(-5, 5)), r.edge<std::uint64_t>()}));
-        return any == 0 ? Zet64s{3} : any;
+    const auto draw = [&] { // not zero
+        return static_cast<Zet64s>(
+            r.pick({r.bits() | 1, r.bits() >> r.between(0, 63) | 1, std::uint64_t(r.between(1, 5)), r.edge<std::uint64_t>() | 1}));
     };
     for (int i = 0; i < 20000; ++i) {
         const Zet64s p = draw(), q = draw(), s = draw();
         const long double x = static_cast<long double>(p) / static_cast<long double>(q), y = static_cast<long double>(s);
-        const zeti::Extended a = zeti::Extended(p) / zeti::Extended(q), b = s;
-        const double d = static_cast<double>(x);
-        const std::pair<zeti::Extended, long double> numbers[] = {{a, x},         {a * b, x * y},         {a + b, x + y},
-                                                                  {a - b, x - y}, {b - a * b, y - x * y}, {zeti::Extended(d), d}};
-        for (const auto& [ours, processors] : numbers)
-            ASSERT_TRUE(same_number(ours, processors)) << p << ' ' << q << ' ' << s << ", number " << processors;
-        ASSERT_TRUE(x < 0 || same_number(square_root(a), std::sqrt(x))) << p << " / " << q;
+        const Extended a = Extended(p) / Extended(q), b = s;
+        expect_same(a, x), expect_same(a * b, x * y), expect_same(a + b, x + y), expect_same(a - b, x - y);
+        expect_same(b - a * b, y - x * y), expect_same(Extended(static_cast<double>(x)), static_cast<double>(x));
+        if (x > 0) expect_same(square_root(a), std::sqrt(x));
     }
 }
 

@@ -2,7 +2,7 @@
 // LUTPalette and LUTPaletteSwap.
 #include <deque>
 
-#include "tests/move/faults.h"
+#include "tests/support/faults.h"
 #include "tests/support/image.h"
 #include "tests/support/member.h"
 
@@ -31,10 +31,9 @@ template <class S, class D, class E = D> void check(const Form& form, const std:
     ZetiSize roi;
     const E *tables[4], **given = tables;
     const auto run = [&] {
-        if (form.from == 1)
-            return member<ZetStatus(const S*, int, D*, int, ZetiSize, const E*, int)>(name)(from, srcStep, to, dstStep, roi, *tables, bits);
+        if (form.from == 1) return call_member(name, from, srcStep, to, dstStep, roi, *tables, bits);
         const E* const* const all = given;
-        return member<ZetStatus(const S*, int, D*, int, ZetiSize, const E* const*, int)>(name)(from, srcStep, to, dstStep, roi, all, bits);
+        return call_member(name, from, srcStep, to, dstStep, roi, all, bits);
     };
     Random r(name);
     for (int width = 1; width <= 40; ++width) {

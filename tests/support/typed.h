@@ -53,12 +53,6 @@ inline double random_sample(Random& r, Type t, Random::Pattern p, int i) {
 // A whole number, within the bounds of the type; the least for NaN.
 inline double saturated(Type t, double v) { return v >= highest(t) ? highest(t) : v > lowest(t) ? v : lowest(t); }
 
-// Rows of so many bytes, none or some units apart.
-inline int any_step(Random& r, int row, std::initializer_list<int> directions, int unit = 1) {
-    const int gap = r.pick({0, 1, r.between(0, 70)}) * unit;
-    return (row + gap) * r.pick(directions);
-}
-
 // An image of any type.
 class Samples : public Image<Zet8u> {
 public:
@@ -69,19 +63,13 @@ public:
         : Image(w, h, c * bytes_of(t), rowStep, fence, offset), type(t), row(w * c) {}
     // Any step, offset and samples.
     Samples(Random& r, Type t, int w, int h, int c, std::initializer_list<int> directions = {1}, int unit = 1)
-        : Samples{t,
-                  w,
-                  h,
-                  c,
-                  any_step(r, w * c * bytes_of(t), directions, unit),
-                  r.pick({Fence::behind, Fence::before}),
-                  r.pick({0, r.between(0, 15)})} {
+        : Samples{t, w, h, c, any_step(r, w * c * bytes_of(t), directions, unit), any_fence(r), any_offset(r)} {
         fill(r, r.pattern());
     }
+    Places samples() const { return {height, row}; }
     void fill(Random& r, Random::Pattern p) {
         with_type(type, [&]<class T>(T) {
-            for (int y = 0; y < height; ++y)
-                for (int i = 0; i < row; ++i) put(y, i, static_cast<double>(r.sample<T>(p, i)));
+            for (const auto [y, i] : samples()) put(y, i, static_cast<double>(r.sample<T>(p, i)));
         });
     }
     double value(int y, int i) const { return load(type, data() + static_cast<long>(y) * step + i * bytes_of(type)); }

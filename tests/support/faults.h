@@ -21,7 +21,8 @@ public:
     }
     template <class... P> Faults& null(P&... pointers) { return (add(zetStsNullPtrErr, pointers, {P{}}), ..., *this); }
     template <class... I> Faults& step(I&... steps) { return (add(zetStsStepErr, steps, {0, -1, INT_MIN}), ..., *this); }
-    Faults& size(ZetiSize& roi) { return add(zetStsSizeErr, roi.width, {0, -1, INT_MIN}).add(zetStsSizeErr, roi.height, {0, -1, INT_MIN}); }
+    Faults& side(int& widthOrHeight) { return add(zetStsSizeErr, widthOrHeight, {0, -1, INT_MIN}); }
+    Faults& size(ZetiSize& roi) { return side(roi.width).side(roi.height); }
 
     // Of two faults the call reports the one that stands first, and nothing has changed.
     template <class Call, class Intact> void expect_order(const std::string& name, Call call, Intact intact) {
@@ -34,6 +35,12 @@ public:
                 faults_[i].swap();
                 if (j != i) faults_[j].swap();
             }
+    }
+
+    // The same of a call that knows its name.
+    template <class Call, class Intact> void expect_order(const Call& call, Intact intact) {
+        expect_order(
+            call.m.name(), [&] { return call.run(); }, intact);
     }
 
 private:
