@@ -13,20 +13,20 @@ template <class T> struct Alpha : Elementwise<T> {
     static constexpr bool planes = std::is_unsigned_v<T> && sizeof(T) <= 2;
     using Elementwise<T>::layout, Elementwise<T>::constant, Elementwise<T>::constants;
     bool composes;
-    int type; // of composition; the first two constants are the alphas
+    int composition; // of composition; the first two constants are the alphas
 
     Alpha(const std::string& operation, const PixelLayout& l, int alphaType = 0, bool isInPlace = false)
-        : Elementwise<T>{operation, l, isInPlace, operation.ends_with("C")}, composes(operation.starts_with("AlphaComp")), type(alphaType) {
-    }
+        : Elementwise<T>{operation, l, isInPlace, operation.ends_with("C")}, composes(operation.starts_with("AlphaComp")),
+          composition(alphaType) {}
 
     std::string family() const { return "Alpha"; }
     std::string parameters() const {
-        return "type " + std::to_string(type) + ", constants " + text(constants[0]) + ' ' + text(constants[1]);
+        return "type " + std::to_string(composition) + ", constants " + text(constants[0]) + ' ' + text(constants[1]);
     }
     bool checks_steps() const { return false; }
 
     template <class I, class Use> void call(const I& i, Use use) const {
-        const auto t = static_cast<ZetAlphaType>(type);
+        const auto t = static_cast<ZetAlphaType>(composition);
         if (composes && constant) use(i.a, i.aStep, constants[0], i.b, i.bStep, constants[1], i.d, i.dStep, i.roi, t);
         else if (composes) this->two(i, use, t);
         else if constexpr (planes) constant ? this->with_value(constants[0], i, use) : this->one(i, use);
@@ -34,17 +34,19 @@ template <class T> struct Alpha : Elementwise<T> {
     void pixel(const T* a, const T* b, T* d, ZetStatus&) const {
         const int last = layout.colours == layout.channels ? -1 : layout.colours; // where alpha is
         const bool mixes = last >= 0 && (composes || !constant);
-        const auto faded = [&](const T* p, int i, T by) { return i == last || type >= zetAlphaOverPremul ? product(p[i], by) : p[i]; };
+        const auto faded = [&](const T* p, int i, T by) {
+            return i == last || composition >= zetAlphaOverPremul ? product(p[i], by) : p[i];
+        };
         T pixel[4];
         T* const result = mixes ? pixel : d; // channels that do not mix are computed one after the other
         for (int c = 0; c < layout.channels; ++c) {
             if (!composes && c == last) result[c] = constant ? d[c] : b[c];
             else if (!composes) result[c] = product(b[c], constant ? constants[0] : b[last]);
-            else if (last < 0) result[c] = composed(type, false, a[c], constants[0], b[c], constants[1]);
-            else if (!constant) result[c] = composed(type, c == last, a[c], a[last], b[c], b[last]);
+            else if (last < 0) result[c] = composed(composition, false, a[c], constants[0], b[c], constants[1]);
+            else if (!constant) result[c] = composed(composition, c == last, a[c], a[last], b[c], b[last]);
             else
-                result[c] = composed(type, c == last, faded(a, c, constants[0]), product(a[last], constants[0]), faded(b, c, constants[1]),
-                                     product(b[last], constants[1]));
+                result[c] = composed(composition, c == last, faded(a, c, constants[0]), product(a[last], constants[0]),
+                                     faded(b, c, constants[1]), product(b[last], constants[1]));
         }
         if (mixes) std::copy_n(pixel, layout.channels, d);
     }

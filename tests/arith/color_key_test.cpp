@@ -8,22 +8,22 @@ namespace {
 
 template <class T> struct Key : Elementwise<T> {
     using Elementwise<T>::layout, Elementwise<T>::constants;
-    int type; // of composition, -1 for none
+    int composition; // of composition, -1 for none
 
     Key(const PixelLayout& l, int alphaType = -1)
-        : Elementwise<T>{alphaType < 0 ? "CompColorKey" : "AlphaCompColorKey", l}, type(alphaType) {}
+        : Elementwise<T>{alphaType < 0 ? "CompColorKey" : "AlphaCompColorKey", l}, composition(alphaType) {}
 
     std::string family() const { return "ColorKey"; }
     template <class I, class Use> void call(const I& i, Use use) const {
         if constexpr (std::is_same_v<T, Zet8u>)
-            if (type >= 0) return this->two(i, use, constants.data(), static_cast<ZetAlphaType>(type));
+            if (composition >= 0) return this->two(i, use, constants.data(), static_cast<ZetAlphaType>(composition));
         layout.channels == 1 ? this->two(i, use, constants[0]) : this->two(i, use, constants.data());
     }
     void pixel(const T* a, const T* b, T* d, ZetStatus&) const {
         T result[4];
         const bool matches = std::equal(a, a + layout.colours, constants.begin());
         for (int c = 0; c < layout.channels; ++c)
-            result[c] = matches ? b[c] : type >= 0 ? composed(type, c == 3, a[c], a[3], b[c], b[3]) : a[c];
+            result[c] = matches ? b[c] : composition >= 0 ? composed(composition, c == 3, a[c], a[3], b[c], b[3]) : a[c];
         std::copy_n(result, layout.channels, d);
     }
     // Samples of 0 and 1 match now and then. Every fifth time none does, and the result is the first source.

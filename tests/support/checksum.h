@@ -13,7 +13,7 @@ class Checksum { // FNV-1a
 public:
     template <class T> void add(T v) {
         if constexpr (is_complex<T>) return add(v.re), add(v.im);
-        else if (v != v) return add(0x7FC00000); // any NaN
+        else if (is_nan(v)) return add(0x7FC00000); // any NaN
         unsigned char bytes[sizeof v];
         std::memcpy(bytes, &v, sizeof v);
         for (const unsigned char b : bytes) value_ = (value_ ^ b) * 0x100000001B3;
