@@ -12,8 +12,9 @@ TEST(Arithmetic, OverlappingRows) { check_overlap(each_arith); }
 TEST(Arithmetic, LargeDestinations) {
     check_large(Arith<Zet8u>(Op::Add, false));
     check_large(Arith<Zet16s>(Op::Mul, true, false, pixel_layouts[1]));
-    check_large(Arith<Zet32f>(Op::Sub, false, false, pixel_layouts[2]));
-    check_large(Arith<Zet16u>(Op::Div, true, false, pixel_layouts[2]));
+    check_large(Arith<Zet32f>(Op::Sub, false, true, pixel_layouts[2]));
+    check_large(Arith<Zet16u>(Op::Div, true, false, pixel_layouts[3]));
+    check_large(Arith<Zet16s>(Op::Add, false, false, pixel_layouts[3]));
 }
 
 // At scales from low to high and at extremes.
