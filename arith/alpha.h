@@ -29,7 +29,7 @@ template <class Use> void with_operator(int type, Use use) {
 }
 
 template <class T, class L, class Kernel> void two_sources(Src<T> a, Src<T> b, Dst<T> dst, ZetiSize roi, Kernel kernel) {
-    run_rows<WriteAll<T>>(ImageOperand<T>{a}, b, dst, samples(roi, L::channels), false, kernel);
+    run_rows<WriteAll<T>>(ImageOperand<T>{a}, b, dst, samples(roi, L::channels), serial, kernel);
 }
 
 // A constant opacity fades alpha, and with it the colours that are multiplied by it already.
@@ -134,7 +134,7 @@ ZetStatus alpha_comp_constant(const T* const* pSrc1, int src1Step, T alpha1, con
 template <class T, class L> ZetStatus alpha_premul(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize) {
     if (ZetStatus bad = first(null(pSrc, pDst), size(roiSize))) return bad;
     alpha::PremultiplyPixels<T, L::channels> kernel;
-    run_rows<WriteAll<T>>(NoImage<T>(), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, samples(roiSize, L::channels), false, kernel);
+    run_rows<WriteAll<T>>(NoImage<T>(), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, samples(roiSize, L::channels), serial, kernel);
     return zetStsNoErr;
 }
 
@@ -165,7 +165,7 @@ template <class T, class L> ZetStatus alpha_premul_I(T* const* pSrcDst, int srcD
 template <class T, class L> ZetStatus alpha_premul_constant(const T* pSrc, int srcStep, T alpha, T* pDst, int dstStep, ZetiSize roiSize) {
     if (ZetStatus bad = first(null(pSrc, pDst), size(roiSize))) return bad;
     alpha::PremultiplyConstant<T> kernel{factor<T>(splat(alpha))};
-    run_rows<Writes<T, L>>(NoImage<T>(), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, samples(roiSize, L::channels), false, kernel);
+    run_rows<Writes<T, L>>(NoImage<T>(), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, samples(roiSize, L::channels), serial, kernel);
     return zetStsNoErr;
 }
 

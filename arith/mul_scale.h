@@ -12,7 +12,7 @@ namespace detail {
 // `a` gives the first operand by rows.
 template <class L, class T, class Operand> ZetStatus multiply_full_scale(const Operand& a, Src<T> b, Dst<T> dst, ZetiSize roi) {
     FullScaleProduct product;
-    run_rows<Writes<T, L>>(a, b, dst, real_samples<T, L>(roi), false, product);
+    run_rows<Writes<T, L>>(a, b, dst, real_samples<T, L>(roi), serial, product);
     return zetStsNoErr;
 }
 

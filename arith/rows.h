@@ -108,33 +108,34 @@ private:
 inline constexpr std::false_type serial;
 
 // Rows without gaps between them in any image are one long row: their kernel starts once per run of rows.
-// A kernel that has something to settle at the end of each row has an end_row().
-template <class Writes, class R, class Operand, class Fork, class Kernel>
-void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, Kernel& kernel) {
-    constexpr bool writes_all = std::is_same_v<Writes, WriteAll<R>>;
-    constexpr bool row_by_row = requires { kernel.end_row(); };
-    constexpr bool reads_b = !leaves_row_unread<Kernel, std::remove_cvref_t<decltype(a.row(0))>>;
-    const bool inPlace = (reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
+template <bool InFloats, class R, class Operand, class Fork, class A>
+[[gnu::noinline]] void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, const RowKernel<R, A>& kernel) {
+    const bool inPlace = (kernel.reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
     const ptrdiff_t rowBytes = e.width * ptrdiff_t{sizeof(R)};
-    const bool large = int64_t{rowBytes} * e.height >= arithmetic_streams_from, streams = large && writes_all && !inPlace;
-    const bool joins = !row_by_row && (!detail::in_registers_of_row<Kernel> || e.width % lanes<R> == 0);
+    const bool large = int64_t{rowBytes} * e.height >= arithmetic_streams_from, streams = large && kernel.writes_all && !inPlace;
+    const bool joins = !kernel.end_row && (!kernel.registers_of_row || e.width % lanes<R> == 0);
     const bool contiguous = joins && b.step == rowBytes && dst.step == rowBytes && a.contiguous(rowBytes);
     const auto one_row = [&](ptrdiff_t y, ptrdiff_t width) {
-        if (large) large_row<Writes>(a.row(y), b.row(y), dst.row(y), width, kernel, streams);
-        else row<Writes>(a.row(y), b.row(y), dst.row(y), width, kernel);
+        if (large) large_row(a.row(y), b.row(y), dst.row(y), width, kernel, streams);
+        else kernel(a.row(y), b.row(y), dst.row(y), width);
     };
     const auto run = [&](ptrdiff_t first, ptrdiff_t count) {
         if (contiguous) return one_row(first, e.width * count);
         for (ptrdiff_t y = first; y < first + count; ++y) {
             one_row(y, e.width);
-            if constexpr (row_by_row) kernel.end_row();
+            if (kernel.end_row) kernel.end_row(kernel.op);
         }
     };
-    const auto scope = [=] { return RowScope<in_floats<R, Kernel>>(streams); };
+    const auto scope = [=] { return RowScope<InFloats>(streams); };
     if constexpr (!std::is_same_v<Fork, std::false_type>)
         if (fork) return static_runs(e.height, run, scope);
     [[maybe_unused]] const auto held = scope();
     run(0, e.height);
+}
+
+template <class Writes, class R, class Operand, class Fork, class Kernel>
+void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, Kernel& kernel) {
+    run_rows<in_floats<R, Kernel>>(a, b, dst, e, fork, row_kernel<Writes, R, std::remove_cvref_t<decltype(a.row(0))>>(kernel));
 }
 
 } // namespace zeti

@@ -44,13 +44,14 @@ template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptr
     alignas(line_bytes) Zet8u reversed[piece_bytes];
     const ptrdiff_t end = n * pixel, before = to_line(dst) % pixel == 0 ? std::min(end, to_line(dst)) : 0; // what is left of the first line
     if (before > 0) Pixels::reverse(src + end - before, dst, before / pixel);
-    by_places(end - before, line_bytes, ahead_bytes, [&](int, ptrdiff_t i, ptrdiff_t count, ptrdiff_t next) {
-        const Zet8u* const from = src + end - before - i - count;
-        const ptrdiff_t ahead = next > ahead_bytes && nextBelow ? 2 * end - next : -next;
-        for (ptrdiff_t k = 0; k < count; k += line_bytes) prefetch(from + k, ahead);
-        Pixels::reverse(from, reversed, count / pixel);
-        if (count == piece_bytes && starts_line(dst + before + i)) stream_lines(reversed, dst + before + i, piece_bytes);
-        else owniCopy_8u_C1(reversed, dst + before + i, count, Cache::streaming);
+    by_places(end - before, line_bytes, ahead_bytes, [&](const Piece& piece) {
+        const Zet8u* const from = src + end - before - piece.at - piece.count;
+        Zet8u* const to = dst + before + piece.at;
+        const ptrdiff_t ahead = piece.next > ahead_bytes && nextBelow ? 2 * end - piece.next : -piece.next;
+        for (ptrdiff_t k = 0; k < piece.count; k += line_bytes) prefetch(from + k, ahead);
+        Pixels::reverse(from, reversed, piece.count / pixel);
+        if (piece.count == piece_bytes && starts_line(to)) stream_lines(reversed, to, piece_bytes);
+        else owniCopy_8u_C1(reversed, to, piece.count, Cache::streaming);
     });
 }
 

@@ -91,7 +91,6 @@ public:
     [[gnu::noinline]] Vec<Zet8u> part(ptrdiff_t i, int, int n) const {
         return joined([&](int k) { return cmp_.template mask<T>(part(a_, i, k, n), part(b_, i, k, n)); });
     }
-    template <int n> Vec<Zet8u> unit(ptrdiff_t i) const { return part(i, 0, n); }
     Comparison from(ptrdiff_t i) const { return {cmp_, a_.from(i * channels), b_.from(i * channels)}; }
     void advance(ptrdiff_t n) { a_.advance(n * channels), b_.advance(n * channels); }
     [[gnu::always_inline]] void prefetch(ptrdiff_t i) const { // what becomes a cache line of bytes
@@ -100,7 +99,7 @@ public:
             a_.prefetch(at), b_.prefetch(at);
         }
     }
-    bool written_ahead_by(const Zet8u*, ptrdiff_t) const { return false; } // source and mask do not overlap
+    ptrdiff_t lead(const Zet8u*, ptrdiff_t n) const { return n; } // source and mask do not overlap
     bool overlaps(const Zet8u*, ptrdiff_t) const { return false; }
 
 private:

@@ -63,9 +63,9 @@ template <class Writes, Cache cache, class Kernel>
         constexpr ptrdiff_t line = 4 * block, size = sizeof *src, ahead = std::max<ptrdiff_t>(6 * line, ahead_bytes / size);
         const ptrdiff_t whole = (n - i) / line * line;
         by_places(
-            whole, line, ahead, [=](int, ptrdiff_t x, ptrdiff_t count, ptrdiff_t next) __attribute__((always_inline)) {
-                for (ptrdiff_t k = i + x; k < i + x + count; k += line) {
-                    for (ptrdiff_t m = 0; m < line; m += line_bytes / size) prefetch(src + k + m, next * size);
+            whole, line, ahead, [=](const Piece& piece) __attribute__((always_inline)) {
+                for (ptrdiff_t k = i + piece.at, end = k + piece.count; k < end; k += line) {
+                    for (ptrdiff_t m = 0; m < line; m += line_bytes / size) prefetch(src + k + m, piece.next * size);
                     for (ptrdiff_t m = 0; m < line; m += block) detail::convert_block<Writes, cache>(src + k + m, dst + k + m, op);
                 }
             });

@@ -44,10 +44,10 @@ inline void owniCopy_8u_C1(const Zet8u* src, Zet8u* dst, ptrdiff_t n, Cache cach
     const ptrdiff_t head = std::min(n, to_line(dst)), lines = (n - head) / line_bytes * line_bytes, tail = n - head - lines;
     detail::copy_plain(src, dst, head);
     by_places(
-        lines, line_bytes, ahead_bytes, [=](int, ptrdiff_t at, ptrdiff_t count, ptrdiff_t next) __attribute__((always_inline)) {
-            for (ptrdiff_t i = head + at; i < head + at + count; i += line_bytes) {
-                prefetch(src + i, next);
-                for (int k = 0; k < line_bytes; k += 16) store_streaming(dst + i + k, raw(load(src + i + k)));
+        lines, line_bytes, ahead_bytes, [=](const Piece& piece) __attribute__((always_inline)) {
+            for (ptrdiff_t i = head + piece.at, end = i + piece.count; i < end; i += line_bytes) {
+                prefetch(src + i, piece.next);
+                stream_lines(src + i, dst + i, line_bytes);
             }
         });
     detail::copy_plain(src + n - tail, dst + n - tail, tail);
@@ -57,9 +57,9 @@ inline void owniCopy_8u_C1(const Zet8u* src, Zet8u* dst, ptrdiff_t n, Cache cach
 inline void owniExchange_8u_I(Zet8u* a, Zet8u* b, ptrdiff_t n) {
     const ptrdiff_t lines = n / line_bytes * line_bytes;
     by_places(
-        lines, line_bytes, ahead_bytes, [=](int, ptrdiff_t at, ptrdiff_t count, ptrdiff_t next) __attribute__((always_inline)) {
-            for (ptrdiff_t i = at; i < at + count; i += line_bytes) {
-                prefetch(a + i, next), prefetch(b + i, next);
+        lines, line_bytes, ahead_bytes, [=](const Piece& piece) __attribute__((always_inline)) {
+            for (ptrdiff_t i = piece.at, end = i + piece.count; i < end; i += line_bytes) {
+                prefetch(a + i, piece.next), prefetch(b + i, piece.next);
                 for (int k = 0; k < line_bytes; k += 16) {
                     const auto x = load(a + i + k), y = load(b + i + k);
                     store(a + i + k, y), store(b + i + k, x);

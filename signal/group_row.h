@@ -35,7 +35,7 @@ template <int n, class T> Group<T> moved_up(const Group<T>& g) {
 
 template <class T, class Op> [[gnu::noinline]] void group_row(const T* a, const T* b, T* dst, ptrdiff_t n, const Op& kernel) {
     const Op op = kernel;
-    const bool ahead = RowOperand<T>{a}.written_ahead_by(dst, n) || RowOperand<T>{b}.written_ahead_by(dst, n);
+    const bool ahead = RowOperand<T>{a}.lead(dst, n) < n || RowOperand<T>{b}.lead(dst, n) < n;
     ptrdiff_t i = 0;
     if (!ahead)
         for (; i <= n - Group<T>::samples; i += Group<T>::samples) op(Group<T>::from(a + i), Group<T>::from(b + i)).to(dst + i);

@@ -41,9 +41,10 @@ inline void owniSet_8u(const FillPattern& pattern, Zet8u* dst, ptrdiff_t n, Cach
                 round(at, [](Zet8u* p, Vec<Zet8u> v) { store(p, v); });
             };
             if (const ptrdiff_t from = i; n >= set_is_large_from) { // what is not in the cache is asked for before it is written
-                by_places(n - from, line_bytes, ahead_bytes, [=, &i](int, ptrdiff_t x, ptrdiff_t count, ptrdiff_t next) {
-                    for (ptrdiff_t k = 0; k < count; k += line_bytes) prefetch(dst + from + x + k, next);
-                    for (i = from + x; i <= from + x + count - 48; i += 48) plain(i);
+                by_places(n - from, line_bytes, ahead_bytes, [=, &i](const Piece& piece) {
+                    const ptrdiff_t at = from + piece.at;
+                    for (ptrdiff_t k = 0; k < piece.count; k += line_bytes) prefetch(dst + at + k, piece.next);
+                    for (i = at; i <= at + piece.count - 48; i += 48) plain(i);
                 });
             }
             for (; i <= n - 48; i += 48) plain(i);
