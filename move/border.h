@@ -24,17 +24,23 @@ inline ZetStatus check_place(ZetiSize src, ZetiSize dst, int top, int left) {
                  fails(int64_t{top} + src.height > dst.height || int64_t{left} + src.width > dst.width, zetStsSizeErr));
 }
 
-template <class T, class L> void const_border(Src<T> src, Dst<T> dst, const Place& p, const T* value) {
-    using Rows = PixelRows<T, L>;
-    const Rows rows(dst, {p.dstWidth, p.dstHeight});
-    const typename Rows::Run run(value);
-    rows.fill_rows(value, 0, p.dstWidth, p.top);
+// The rows of the source between their borders.
+template <class T, class L>
+[[gnu::noinline]] void const_sides(Src<T> src, const PixelRows<T, L>& rows, const Place& place, const T* value) {
+    const Place p = place;
+    const typename PixelRows<T, L>::Run run(value);
     for (ptrdiff_t y = 0; y < p.height; ++y) {
         T* const to = rows.at(p.top + y);
         run.fill(to, p.left);
         rows.copy(src.row(y), to + p.left * L::channels, p.width);
         run.fill(to + (p.left + p.width) * L::channels, p.right());
     }
+}
+
+template <class T, class L> void const_border(Src<T> src, Dst<T> dst, const Place& p, const T* value) {
+    const PixelRows<T, L> rows(dst, {p.dstWidth, p.dstHeight});
+    rows.fill_rows(value, 0, p.dstWidth, p.top);
+    const_sides<T, L>(src, rows, p, value);
     rows.fill_rows(value, p.top + p.height, p.dstWidth, p.bottom());
 }
 
@@ -47,8 +53,8 @@ struct ReplicateBorder {
         for (ptrdiff_t y = 0; y < p.height; ++y) {
             const T* const from = src.row(y);
             T *const to = rows.at(p.top + y), *const inner = to + p.left * L::channels, *const right = inner + p.width * L::channels;
-            rows.copy(from, inner, p.width);
             if (p.left > 0) typename Rows::Run(from).fill(to, p.left);
+            rows.copy(from, inner, p.width);
             if (p.right() > 0) typename Rows::Run(from + (p.width - 1) * L::channels).fill(right, p.right());
         }
         for (ptrdiff_t y = 0; y < p.top; ++y) rows.copy(rows.at(p.top), rows.at(y), p.dstWidth);

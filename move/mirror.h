@@ -22,10 +22,11 @@ inline ZetStatus check_flip(ZetiSize roi, int flip) {
 // Pixels of type T and layout L as bytes; AC4 keeps the fourth sample of the destination.
 template <class T, class L> struct MirrorPixels {
     static constexpr int bytes = int{sizeof(T)} * L::channels;
+    static constexpr bool keeps_alpha = L::keeps_alpha;
 
-    static void reverse(const Zet8u* src, Zet8u* dst, ptrdiff_t n) { owniFlipCopy_8u<bytes, L::keeps_alpha>(src, dst, n); }
+    static void reverse(const Zet8u* src, Zet8u* dst, ptrdiff_t n) { owniFlipCopy_8u<bytes, keeps_alpha>(src, dst, n); }
     static void move(const Zet8u* src, Zet8u* dst, ptrdiff_t n) {
-        if constexpr (L::keeps_alpha) {
+        if constexpr (keeps_alpha) {
             TakeFirst take;
             T* const to = reinterpret_cast<T*>(dst);
             row<KeepAlpha<T, 4>>(RowOperand<T>{reinterpret_cast<const T*>(src)}, to, to, 4 * n, take);
@@ -55,21 +56,27 @@ template <class Pixels> void reverse_streaming(const Zet8u* src, Zet8u* dst, ptr
     });
 }
 
-// owniFlip_8u_C1 on two runs of pixels that change places; `transfer` reverses or moves. The next of them lie behind a and, mostly, before b.
+// Two runs of pixels change places by way of a buffer; `transfer` reverses or moves.
 template <int Pixel, class Transfer> void exchange(Zet8u* a, Zet8u* b, ptrdiff_t n, Transfer transfer) {
     alignas(16) Zet8u kept[kept_bytes];
-    if (n * Pixel == kept_bytes)
-        for (ptrdiff_t k = 0; k < kept_bytes; k += line_bytes) prefetch(a + k, kept_bytes), prefetch(b + k, -kept_bytes);
     owniCopy_8u_C1(a, kept, n * Pixel, Cache::plain);
     transfer(b, a, n);
     transfer(kept, b, n);
+}
+
+// Each from right to left. The next of them lie behind a and, mostly, before b.
+template <class Pixels> void exchange_reversed(Zet8u* a, Zet8u* b, ptrdiff_t n) {
+    if (n * Pixels::bytes == kept_bytes)
+        for (ptrdiff_t k = 0; k < kept_bytes; k += line_bytes) prefetch(a + k, kept_bytes), prefetch(b + k, -kept_bytes);
+    if constexpr (16 % Pixels::bytes == 0) owniFlip_8u<Pixels::bytes, Pixels::keeps_alpha>(a, b, n);
+    else exchange<Pixels::bytes>(a, b, n, Pixels::reverse);
 }
 
 template <class Pixels> void reverse_in_place(Zet8u* row, ptrdiff_t n) {
     constexpr ptrdiff_t pixel = Pixels::bytes, piece = kept_bytes / pixel;
     for (; n > 1; row += piece * pixel, n -= 2 * piece) {
         const ptrdiff_t half = std::min(piece, n / 2); // the middle pixel of an odd number stays
-        exchange<Pixels::bytes>(row, row + (n - half) * pixel, half, Pixels::reverse);
+        exchange_reversed<Pixels>(row, row + (n - half) * pixel, half);
     }
 }
 
@@ -95,7 +102,7 @@ template <class T, class L> ZetStatus mirror_I(T* pSrcDst, int srcDstStep, ZetiS
         for (ptrdiff_t x = 0; x < width; x += piece) {
             const ptrdiff_t n = std::min(piece, width - x);
             Zet8u* const from = upper + x * pixel;
-            if (flip == detail::both_axes) detail::exchange<Pixels::bytes>(from, lower + (width - x - n) * pixel, n, Pixels::reverse);
+            if (flip == detail::both_axes) detail::exchange_reversed<Pixels>(from, lower + (width - x - n) * pixel, n);
             else detail::exchange<Pixels::bytes>(from, lower + x * pixel, n, Pixels::move);
         }
     }

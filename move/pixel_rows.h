@@ -34,27 +34,24 @@ public:
     // A few copies of a pixel.
     class Run {
     public:
-        explicit Run(const T* value) : pattern_(pattern_of(value)) {}
-        void fill(T* to, ptrdiff_t pixels) const {
-            if (pixels == 0) return;
-            if constexpr (L::keeps_alpha) {
-                TakeFirst take;
-                row<KeepAlpha<T, 4>>(pattern_, to, to, pixels * channels, take);
-            } else {
-                pattern_.fill(reinterpret_cast<Zet8u*>(to), pixels);
-            }
+        [[gnu::always_inline]] explicit Run(const T* value) : run_(of(value)) {}
+        [[gnu::always_inline]] void fill(T* to, ptrdiff_t pixels) const {
+            if constexpr (L::keeps_alpha) fill_colours(as_lanes<T>(run_.first()), to, pixels * channels);
+            else run_.fill(reinterpret_cast<Zet8u*>(to), pixels);
         }
 
     private:
-        static auto pattern_of(const T* value) {
-            if constexpr (L::keeps_alpha) {
-                const T colours[4] = {get(value), get(value + 1), get(value + 2)};
-                return Pattern<T, KeepAlpha<T, 4>::period>(colours, 4);
-            } else {
-                return PixelRun<pixel>(reinterpret_cast<const Zet8u*>(value));
-            }
+        [[gnu::always_inline]] static PixelRun<pixel> of(const T* value) {
+            if constexpr (!L::keeps_alpha) return PixelRun<pixel>(reinterpret_cast<const Zet8u*>(value));
+            T colours[channels] = {}; // alpha need not be there
+            for (int c = 0; c < L::colours; ++c) colours[c] = get(value + c);
+            return PixelRun<pixel>(reinterpret_cast<const Zet8u*>(colours));
         }
-        decltype(pattern_of(nullptr)) pattern_;
+        [[gnu::noinline]] static void fill_colours(Vec<T> v, T* to, ptrdiff_t n) {
+            for (; n >= lanes<T>; n -= lanes<T>, to += lanes<T>) store(to, KeepAlpha<T, 4>::merge(v, load(to), 0));
+            if (n > 0) store(to, KeepAlpha<T, 4>::merge(v, load(to, static_cast<int>(n)), 0), static_cast<int>(n));
+        }
+        PixelRun<pixel> run_;
     };
 
     // Whole rows of it.

@@ -22,6 +22,39 @@ template <int Pixel> __m128i reversed(__m128i v) {
     }
 }
 
+// 32 bytes of pixels that fill registers, last pixel first.
+template <int Pixel> class Turned {
+public:
+    explicit Turned(const Zet8u* p) : first_(reversed<Pixel>(raw(load(p + 16)))) {
+        if constexpr (in_words) {
+            for (int k = 0; k < 2; ++k) words_[k] = __builtin_bswap64(load_word<uint64_t>(p + 8 - 8 * k));
+        } else {
+            second_ = reversed<Pixel>(raw(load(p)));
+        }
+    }
+    // `Keeps`: the last quarter of every pixel stays as it is there.
+    template <bool Keeps> void to(Zet8u* p) const {
+        put<Keeps>(p, first_);
+        if constexpr (in_words) std::memcpy(p + 16, words_, 16);
+        else put<Keeps>(p + 16, second_);
+    }
+
+private:
+    static constexpr bool in_words = Pixel == 1; // half of it: a register costs the vector units three shuffles and a swap
+
+    template <bool Keeps> static void put(Zet8u* p, __m128i v) {
+        constexpr uint64_t low = Pixel == 4 ? 0x00FFFFFF00FFFFFF : Pixel == 8 ? 0x0000FFFFFFFFFFFF : ~uint64_t{0};
+        if constexpr (Keeps) {
+            const __m128i colours = from_words(low, Pixel == 16 ? 0xFFFFFFFF : low);
+            v = _mm_or_si128(_mm_and_si128(colours, v), _mm_andnot_si128(colours, raw(load(p))));
+        }
+        store(p, as_lanes<Zet8u>(v));
+    }
+
+    __m128i first_, second_{};
+    uint64_t words_[2] = {};
+};
+
 } // namespace detail
 
 // A block of pixels of `Pixel` bytes; `Keeps`: the last quarter of every pixel stays as the destination has it.
@@ -42,29 +75,9 @@ template <int Pixel, bool Keeps> struct ReversePixels {
                 store_halves(dst + i, dst + i + 6, _mm_srli_epi64(load_halves(src + 48 - 8 - i, src + 48 - 14 - i), 16));
         } else if constexpr (Pixel == 12) {
             for (int i = 0; i < 48; i += 12) store(dst + i, as_lanes<Zet8u>(_mm_srli_si128(raw(load(src + 32 - i)), 4)));
-        } else if constexpr (Pixel == 1) {
-            // Half of it as words: a register costs the vector units three shuffles and a swap.
-            for (int i = 0; i < 64; i += 32) {
-                store(dst + i, as_lanes<Zet8u>(detail::reversed<1>(raw(load(src + 48 - i)))));
-                for (int k = 16; k < 32; k += 8) {
-                    const uint64_t word = __builtin_bswap64(detail::load_word<uint64_t>(src + 56 - i - k));
-                    std::memcpy(dst + i + k, &word, 8);
-                }
-            }
         } else {
-            for (int i = 0; i < 64; i += 16) {
-                __m128i v = detail::reversed<Pixel>(raw(load(src + 48 - i)));
-                if constexpr (Keeps) v = select_colours(v, raw(load(dst + i)));
-                store(dst + i, as_lanes<Zet8u>(v));
-            }
+            for (int i = 0; i < 64; i += 32) detail::Turned<Pixel>(src + 32 - i).template to<Keeps>(dst + i);
         }
-    }
-
-private:
-    static __m128i select_colours(__m128i v, __m128i old) {
-        constexpr uint64_t low = Pixel == 4 ? 0x00FFFFFF00FFFFFF : Pixel == 8 ? 0x0000FFFFFFFFFFFF : ~uint64_t{0};
-        const __m128i colours = detail::from_words(low, Pixel == 16 ? 0xFFFFFFFF : low);
-        return _mm_or_si128(_mm_and_si128(colours, v), _mm_andnot_si128(colours, old));
     }
 };
 
@@ -88,6 +101,22 @@ template <int Pixel, bool Keeps> [[gnu::noinline, gnu::flatten]] void owniFlipCo
     } else {
         for (; x < n; ++x) std::memcpy(dst + x * Pixel, src + (n - 1 - x) * Pixel, Pixel);
     }
+}
+
+// owniFlip_8u_C1: a[x] and b[n - 1 - x], for pixels that fill registers, change places; the two do not overlap.
+template <int Pixel, bool Keeps> [[gnu::noinline, gnu::flatten]] void owniFlip_8u(Zet8u* a, Zet8u* b, ptrdiff_t n) {
+    constexpr ptrdiff_t block = 32;
+    Zet8u* end = b + n * Pixel;
+    for (; end - b >= block; a += block) {
+        end -= block;
+        const detail::Turned<Pixel> fromA(a), fromB(end);
+        fromB.template to<Keeps>(a), fromA.template to<Keeps>(end);
+    }
+    if (end == b) return;
+    Zet8u kept[block];
+    std::memcpy(kept, a, static_cast<size_t>(end - b));
+    owniFlipCopy_8u<Pixel, Keeps>(b, a, (end - b) / Pixel);
+    owniFlipCopy_8u<Pixel, Keeps>(kept, b, (end - b) / Pixel);
 }
 
 } // namespace zeti
