@@ -8,7 +8,8 @@ Vocabulary of the TOML files
                       scale factor by itself
   [notes.NAME]        text shared by the reference pages of several families
   [[family]]          operation, members, arguments, template, header, returns (ZetStatus if not given) and the texts of
-                      its reference page
+                      its reference page; or, for operations that share most of these,
+  [family.operations.NAME]   what an operation has beside its family's
 
 Texts of a reference page, all of them Markdown and none but `brief` required
   brief, formula      the head of the page; `author` ("Name, year") where the formula has one
@@ -47,7 +48,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-FILES = ["core", "arith", "move", "stats", "filter", "geometry", "transform", "correlate"]
+FOLDERS = ["core", "arith", "move", "stats", "filter", "geometry", "transform", "correlate"]
 
 TYPES = ["16sc", "32sc", "32fc", "24u", "16u", "16s", "32u", "32s", "32f", "64s", "64f", "8u", "8s", "1u"]
 CHANNELS = {"C1": 1, "C2": 2, "C3": 3, "C4": 4, "AC4": 4, "C3C": 3, "C4C": 4, "P2": 2, "P3": 3, "P4": 4, "AP4": 4, "AC1": 2, "A0C4": 4}
@@ -199,23 +200,28 @@ def _member(family, group, shapes, type_token, layout, suffix):
     return Member(family, name, types, layout, suffix, result, arguments, template)
 
 
+def _files():
+    """The lists of the folders, in order; those of a folder in several files are FOLDER.toml and FOLDER_PART.toml."""
+    paths = sorted((ROOT / "api").glob("*.toml"))
+    return [(folder, path) for folder in FOLDERS for path in paths if path.stem.split("_")[0] == folder]
+
+
 def load():
     """-> (list of families, list of members, shared notes), all in list order."""
     families, members, notes = [], [], {}
     sets, shapes = {}, {}
-    for folder in FILES:
-        path = ROOT / "api" / f"{folder}.toml"
-        if not path.exists():
-            continue
+    for folder, path in _files():
         data = tomllib.loads(path.read_text())
         sets.update(data.get("members", {}))
         shapes.update(data.get("arguments", {}))
         notes.update(data.get("notes", {}))
         for entry in data.get("family", []):
-            family = Family(folder, entry["operation"], entry)
-            chosen = entry.get("members", [])
-            families.append(family)
-            members.extend(_expand(family, sets[chosen] if isinstance(chosen, str) else chosen, shapes))
+            operations = entry.pop("operations", None) or {entry["operation"]: {}}
+            for operation, own in operations.items():
+                family = Family(folder, operation, {**entry, **own})
+                chosen = family.members or []
+                families.append(family)
+                members.extend(_expand(family, sets[chosen] if isinstance(chosen, str) else chosen, shapes))
     names = [m.name for m in members]
     assert len(set(names)) == len(names), "a name is listed twice"
     return families, members, notes
