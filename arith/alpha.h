@@ -29,7 +29,7 @@ template <class Use> void with_operator(int type, Use use) {
 }
 
 template <class T, class L, class Kernel> void two_sources(Src<T> a, Src<T> b, Dst<T> dst, ZetiSize roi, Kernel kernel) {
-    run_rows<WriteAll<T>>(ImageOperand<T>{a}, b, dst, samples(roi, L::channels), serial, kernel);
+    run_rows<WriteAll<T>>(operand_of(a), b, dst, samples(roi, L::channels), serial, kernel);
 }
 
 // A constant opacity fades alpha, and with it the colours that are multiplied by it already.
@@ -53,18 +53,15 @@ template <class Op, bool Premultiplied, class T, class Fade>
 void compose_planes(SrcPlanes<T> a, SrcPlanes<T> b, DstPlanes<T> dst, ZetiSize roi, Fade fadeA, Fade fadeB) {
     alpha::Colours<Op, Premultiplied, T, Fade> colours{fadeA, fadeB};
     alpha::Pixels<Op, true, T, 1, Fade> alphas{fadeA, fadeB};
-    each_row(samples(roi, 1), [&](ptrdiff_t y) {
-        const RowOperand<T> ofA{a[3].row(y)}, ofB{b[3].row(y)};
-        for (int c = 0; c < 3; ++c) row<WriteAll<T>>(Rows<T, 3>{{{a[c].row(y)}, ofA, ofB}}, b[c].row(y), dst[c].row(y), roi.width, colours);
-        row<WriteAll<T>>(ofA, ofB.p, dst[3].row(y), roi.width, alphas);
-    });
+    const RowOperand<T> ofA = operand_of(a[3]), ofB = operand_of(b[3]);
+    const Extent plane = samples(roi, 1);
+    for (int c = 0; c < 3; ++c) run_rows<WriteAll<T>>(Rows<T, 3>{{operand_of(a[c]), ofA, ofB}}, b[c], dst[c], plane, serial, colours);
+    run_rows<WriteAll<T>>(ofA, b[3], dst[3], plane, serial, alphas);
 }
 
 template <class T> void premultiply_planes(SrcPlanes<T> src, DstPlanes<T> dst, ZetiSize roi) {
     alpha::PremultiplyPlane<T> kernel;
-    each_row(samples(roi, 1), [&](ptrdiff_t y) {
-        for (int c = 0; c < 3; ++c) row<WriteAll<T>>(RowOperand<T>{src[3].row(y)}, src[c].row(y), dst[c].row(y), roi.width, kernel);
-    });
+    for (int c = 0; c < 3; ++c) run_rows<WriteAll<T>>(operand_of(src[3]), src[c], dst[c], samples(roi, 1), serial, kernel);
 }
 
 } // namespace detail
@@ -134,7 +131,7 @@ ZetStatus alpha_comp_constant(const T* const* pSrc1, int src1Step, T alpha1, con
 template <class T, class L> ZetStatus alpha_premul(const T* pSrc, int srcStep, T* pDst, int dstStep, ZetiSize roiSize) {
     if (ZetStatus bad = first(null(pSrc, pDst), size(roiSize))) return bad;
     alpha::PremultiplyPixels<T, L::channels> kernel;
-    run_rows<WriteAll<T>>(NoImage<T>(), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, samples(roiSize, L::channels), serial, kernel);
+    run_rows<WriteAll<T>>(NoOperand<T>(), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, samples(roiSize, L::channels), serial, kernel);
     return zetStsNoErr;
 }
 
@@ -165,7 +162,7 @@ template <class T, class L> ZetStatus alpha_premul_I(T* const* pSrcDst, int srcD
 template <class T, class L> ZetStatus alpha_premul_constant(const T* pSrc, int srcStep, T alpha, T* pDst, int dstStep, ZetiSize roiSize) {
     if (ZetStatus bad = first(null(pSrc, pDst), size(roiSize))) return bad;
     alpha::PremultiplyConstant<T> kernel{factor<T>(splat(alpha))};
-    run_rows<Writes<T, L>>(NoImage<T>(), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, samples(roiSize, L::channels), serial, kernel);
+    run_rows<Writes<T, L>>(NoOperand<T>(), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, samples(roiSize, L::channels), serial, kernel);
     return zetStsNoErr;
 }
 

@@ -86,7 +86,7 @@ template <class Op, class T> inline constexpr bool by_pixel = std::is_same_v<T, 
 
 template <class Op, class T, class L, Form F> void two_images(Src<T> a, Src<T> b, Dst<T> dst, ZetiSize roi, int s) {
     if constexpr (by_pixel<Op, T>) multiply_32sc<L>([=](ptrdiff_t y) { return SampleRow<T>{a.row(y)}; }, b, dst, roi, s);
-    else arithmetic<Op, T, L, F>(ImageOperand<Real<T>>{as<Real<T>>(a)}, b, dst, roi, s, s);
+    else arithmetic<Op, T, L, F>(operand_of(as<Real<T>>(a)), b, dst, roi, s, s);
 }
 
 template <class T, class L> ZetStatus check_width_first(ZetiSize roi) { return delegates<T, L> ? width(roi) : zetStsNoErr; }
@@ -151,7 +151,7 @@ template <class Op, class T, class L, Form F> void sum_down(Src<T> src, const T*
     }
     const Extent e = real_samples<T, L>(roi);
     Kernel kernel(s);
-    run_rows<Writes<T, L>>(ConstantOperands<T, L, 3>(tie, addend, excess), src, dst, e, forks_at<Op, T, L, F>(Path::down, e), kernel);
+    run_rows<Writes<T, L>>(constant_operands<T, L>(tie, addend, excess), src, dst, e, forks_at<Op, T, L, F>(Path::down, e), kernel);
 }
 
 template <class Op, class T, class L, Form F> void image_and_constant(Src<T> src, const T* values, Dst<T> dst, ZetiSize roi, int s) {
@@ -172,11 +172,11 @@ template <class Op, class T, class L, Form F> void image_and_constant(Src<T> src
         T value = *values;
         int computed = s;
         for (; computed > 0 && value % 2 == 0; --computed) value = static_cast<T>(value / 2); // the same products, exactly
-        arithmetic<Op, T, L, F>(ConstantOperand<T, L>(&value), src, dst, roi, s, computed, &value);
+        arithmetic<Op, T, L, F>(constant_operand<T, L>(&value), src, dst, roi, s, computed, &value);
     } else {
         if constexpr (std::is_integral_v<T>)
             if (sums_down<Op, T>(s)) return sum_down<Op, T, L, F>(src, values, dst, roi, s);
-        arithmetic<Op, T, L, F>(ConstantOperand<T, L>(values), src, dst, roi, s, s);
+        arithmetic<Op, T, L, F>(constant_operand<T, L>(values), src, dst, roi, s, s);
     }
 }
 

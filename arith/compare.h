@@ -9,28 +9,11 @@ namespace zeti {
 
 namespace detail {
 
-// The first operand of mask rows: two operands of samples, compared.
-template <class Cmp, class L, class T, class A, class B> struct ComparedOperand {
-    Cmp cmp;
-    A a;
-    B b;
-    template <class O> using RowOf = std::remove_cvref_t<decltype(std::declval<const O&>().row(0))>;
-
-    Comparison<Cmp, L, T, RowOf<A>, RowOf<B>> row(ptrdiff_t y) const { return {cmp, a.row(y), b.row(y)}; }
-    static bool is(const Zet8u*) { return false; }
-    bool contiguous(ptrdiff_t pixels) const { return contiguous(a, pixels) && contiguous(b, pixels); }
-
-private:
-    template <class O> static bool contiguous(const O& o, ptrdiff_t pixels) {
-        return o.contiguous(pixels * L::channels * ptrdiff_t{sizeof(T)});
-    }
-};
-
 template <class L, class T, class Cmp, class A, class B>
 void compare_rows(const Cmp& cmp, const A& a, const B& b, Dst<Zet8u> dst, ZetiSize roi) {
     const RowScope<std::is_floating_point_v<T>> held(false);
     TakeFirst take;
-    run_rows<WriteAll<Zet8u>>(ComparedOperand<Cmp, L, T, A, B>{cmp, a, b}, Src<Zet8u>(dst), dst, samples(roi, 1), serial, take);
+    run_rows<WriteAll<Zet8u>>(Comparison<Cmp, L, T, A, B>(cmp, a, b), Src<Zet8u>(dst), dst, samples(roi, 1), serial, take);
 }
 
 // An unknown operator leaves the destination as it was, and nobody is told.
@@ -51,8 +34,7 @@ ZetStatus compare_operands(const A& a, const B& b, Dst<Zet8u> dst, ZetiSize roi,
 template <class T, class L>
 ZetStatus compare(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, Zet8u* pDst, int dstStep, ZetiSize roiSize, ZetCmpOp cmpOp) {
     if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize))) return bad;
-    return detail::compare_operands<L, T>(ImageOperand<T>{{pSrc1, src1Step}}, ImageOperand<T>{{pSrc2, src2Step}}, {pDst, dstStep}, roiSize,
-                                          cmpOp);
+    return detail::compare_operands<L, T>(RowOperand<T>{pSrc1, src1Step}, RowOperand<T>{pSrc2, src2Step}, {pDst, dstStep}, roiSize, cmpOp);
 }
 
 // `value` is one constant on C1, else a pointer to one per colour channel.
@@ -60,7 +42,7 @@ template <class T, class L, class V>
 ZetStatus compare_constant(const T* pSrc, int srcStep, V value, Zet8u* pDst, int dstStep, ZetiSize roiSize, ZetCmpOp cmpOp) {
     const T* const values = constants(value);
     if (ZetStatus bad = first(null(pSrc, values, pDst), step(srcStep, dstStep), size(roiSize))) return bad;
-    const ImageOperand<T> image{{pSrc, srcStep}};
+    const RowOperand<T> image{pSrc, srcStep};
     if constexpr (std::is_unsigned_v<T>) {
         // Below c is at most c - 1, and the masks of the comparisons that include their bound are cheaper.
         const bool below = cmpOp == zetCmpLess;
@@ -71,10 +53,10 @@ ZetStatus compare_constant(const T* pSrc, int srcStep, V value, Zet8u* pDst, int
             closed[c] = static_cast<T>(below ? values[c] - 1 : values[c] + 1);
         }
         if (closes)
-            return detail::compare_operands<L, T>(image, ConstantOperand<T, L>(closed), {pDst, dstStep}, roiSize,
+            return detail::compare_operands<L, T>(image, constant_operand<T, L>(closed), {pDst, dstStep}, roiSize,
                                                   below ? zetCmpLessEq : zetCmpGreaterEq);
     }
-    return detail::compare_operands<L, T>(image, ConstantOperand<T, L>(values), {pDst, dstStep}, roiSize, cmpOp);
+    return detail::compare_operands<L, T>(image, constant_operand<T, L>(values), {pDst, dstStep}, roiSize, cmpOp);
 }
 
 // The tolerance is tested last.
@@ -83,8 +65,7 @@ ZetStatus compare_eps(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step
     if (ZetStatus bad =
             first(null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize), fails(less(eps, T{0}), zetStsEpsValErr)))
         return bad;
-    detail::compare_rows<L, T>(CmpEqualEps(eps), ImageOperand<T>{{pSrc1, src1Step}}, ImageOperand<T>{{pSrc2, src2Step}}, {pDst, dstStep},
-                               roiSize);
+    detail::compare_rows<L, T>(CmpEqualEps(eps), RowOperand<T>{pSrc1, src1Step}, RowOperand<T>{pSrc2, src2Step}, {pDst, dstStep}, roiSize);
     return zetStsNoErr;
 }
 
@@ -93,7 +74,7 @@ ZetStatus compare_eps_constant(const T* pSrc, int srcStep, V value, Zet8u* pDst,
     const T* const values = constants(value);
     if (ZetStatus bad = first(null(pSrc, values, pDst), step(srcStep, dstStep), size(roiSize), fails(less(eps, T{0}), zetStsEpsValErr)))
         return bad;
-    detail::compare_rows<L, T>(CmpEqualEps(eps), ImageOperand<T>{{pSrc, srcStep}}, ConstantOperand<T, L>(values), {pDst, dstStep}, roiSize);
+    detail::compare_rows<L, T>(CmpEqualEps(eps), RowOperand<T>{pSrc, srcStep}, constant_operand<T, L>(values), {pDst, dstStep}, roiSize);
     return zetStsNoErr;
 }
 

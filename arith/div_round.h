@@ -31,8 +31,8 @@ ZetStatus divide_round(const T* pSrc1, int src1Step, const T* pSrc2, int src2Ste
         return bad;
     bool zero = false;
     with_rounding_divider<T>(roundMode, scaleFactor, [&](auto kernel) {
-        run_rows<Writes<T, L>>(ImageOperand<T>{{pSrc1, src1Step}}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep},
-                               real_samples<T, L>(roiSize), serial, kernel);
+        run_rows<Writes<T, L>>(RowOperand<T>{pSrc1, src1Step}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize),
+                               serial, kernel);
         zero = kernel.saw_zero();
     });
     return zero ? zetStsDivByZero : zetStsNoErr;

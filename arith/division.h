@@ -53,7 +53,7 @@ template <class T, class L, Form F> ZetStatus divide_images(Src<T> a, Src<T> b, 
         if constexpr (is_complex<T>) {
             each_row(samples(roi, 1), [&](ptrdiff_t y) { pixel_row<L>(SampleRow<T>{a.row(y)}, b.row(y), dst.row(y), roi.width, kernel); });
         } else {
-            run_rows<Writes<T, L>>(ImageOperand<T>{a}, b, dst, real_samples<T, L>(roi), serial, kernel);
+            run_rows<Writes<T, L>>(operand_of(a), b, dst, real_samples<T, L>(roi), serial, kernel);
         }
     });
     return zero ? zetStsDivByZero : zetStsNoErr;
@@ -85,7 +85,7 @@ template <class T, class L, Form F> ZetStatus divide_by_constants(Src<T> src, co
             return zetStsNoErr;
         }
         if (*values == 1) { // scaling alone
-            arithmetic<Mul, T, L, F>(ConstantOperand<T, L>(values), src, dst, roi, s, s);
+            arithmetic<Mul, T, L, F>(constant_operand<T, L>(values), src, dst, roi, s, s);
             return zetStsNoErr;
         }
     }
@@ -96,7 +96,7 @@ template <class T, class L, Form F> ZetStatus divide_by_constants(Src<T> src, co
             for (int c = 0; c < L::colours; ++c) constants.value[c] = values[c];
             each_row(samples(roi, 1), [&](ptrdiff_t y) { pixel_row<L>(constants, src.row(y), dst.row(y), roi.width, kernel); });
         } else {
-            run_rows<Writes<T, L>>(ConstantOperand<T, L>(values), src, dst, real_samples<T, L>(roi), serial, kernel);
+            run_rows<Writes<T, L>>(constant_operand<T, L>(values), src, dst, real_samples<T, L>(roi), serial, kernel);
         }
     });
     return zetStsNoErr; // no constant is zero

@@ -13,7 +13,7 @@ ZetStatus logic(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* p
     const ZetStatus sized = delegates<T, L> ? size(roiSize) : zetStsNoErr;
     if (ZetStatus bad = first(sized, null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize))) return bad;
     Op kernel;
-    run_rows<Writes<T, L>>(ImageOperand<T>{{pSrc1, src1Step}}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize),
+    run_rows<Writes<T, L>>(RowOperand<T>{pSrc1, src1Step}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize),
                            serial, kernel);
     return zetStsNoErr;
 }
@@ -28,8 +28,8 @@ ZetStatus logic_constant(const T* pSrc, int srcStep, V value, T* pDst, int dstSt
     const T* const values = constants(value);
     if (ZetStatus bad = first(null(pSrc, values, pDst), step(srcStep, dstStep), size(roiSize))) return bad;
     Op kernel;
-    run_rows<Writes<T, L>>(ConstantOperand<T, L>(values), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize), serial,
-                           kernel);
+    run_rows<Writes<T, L>>(constant_operand<T, L>(values), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roiSize),
+                           serial, kernel);
     return zetStsNoErr;
 }
 
@@ -51,7 +51,7 @@ template <class T, class L> ZetStatus complement_I(T* pSrcDst, int srcDstStep, Z
     if (ZetStatus bad = first(null(pSrcDst), step(srcDstStep), size(roiSize))) return bad;
     const Dst<T> image{pSrcDst, srcDstStep};
     Complement kernel;
-    run_rows<Writes<T, L>>(NoImage<T>(), Src<T>(image), image, real_samples<T, L>(roiSize), serial, kernel);
+    run_rows<Writes<T, L>>(NoOperand<T>(), Src<T>(image), image, real_samples<T, L>(roiSize), serial, kernel);
     return zetStsNoErr;
 }
 

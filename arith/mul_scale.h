@@ -21,7 +21,7 @@ template <class L, class T, class Operand> ZetStatus multiply_full_scale(const O
 template <class T, class L>
 ZetStatus mul_scale(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, ZetiSize roiSize) {
     if (ZetStatus bad = first(null(pSrc1, pSrc2, pDst), step(src1Step, src2Step, dstStep), size(roiSize))) return bad;
-    return detail::multiply_full_scale<L>(ImageOperand<T>{{pSrc1, src1Step}}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, roiSize);
+    return detail::multiply_full_scale<L>(RowOperand<T>{pSrc1, src1Step}, Src<T>{pSrc2, src2Step}, Dst<T>{pDst, dstStep}, roiSize);
 }
 
 template <class T, class L> ZetStatus mul_scale_I(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, ZetiSize roiSize) {
@@ -31,7 +31,7 @@ template <class T, class L> ZetStatus mul_scale_I(const T* pSrc, int srcStep, T*
 // One constant per colour channel.
 template <class T, class L> ZetStatus mul_c_scale(const T* pSrc, int srcStep, const T* value, T* pDst, int dstStep, ZetiSize roiSize) {
     if (ZetStatus bad = first(null(pSrc, value, pDst), step(srcStep, dstStep), size(roiSize))) return bad;
-    return detail::multiply_full_scale<L>(ConstantOperand<T, L>(value), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, roiSize);
+    return detail::multiply_full_scale<L>(constant_operand<T, L>(value), Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, roiSize);
 }
 
 template <class T, class L> ZetStatus mul_c_scale_I(const T* value, T* pSrcDst, int srcDstStep, ZetiSize roiSize) {

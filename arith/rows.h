@@ -19,60 +19,25 @@ template <class T, class L> using Writes = std::conditional_t<L::keeps_alpha, Ke
 
 template <class T, class L> Extent real_samples(ZetiSize roi) { return samples(roi, pixel_samples<T, L>); }
 
-// First operands, given row by row.
-template <class R> struct ImageOperand {
-    Src<R> image;
-    RowOperand<R> row(ptrdiff_t y) const { return {image.row(y)}; }
-    bool is(const R* p) const { return image.pointer == p; }
-    bool contiguous(ptrdiff_t rowBytes) const { return image.step == rowBytes; }
-};
-
-template <class R> struct NoImage {
-    NoOperand<R> row(ptrdiff_t) const { return {}; }
-    static bool is(const R*) { return false; }
-    static bool contiguous(ptrdiff_t) { return true; }
-};
-
 // The constants of a call: one by value on C1, else a pointer to one per colour channel.
 template <class T> const T* constants(const T& value) { return &value; }
 template <class T> const T* constants(const T* const& values) { return values; }
 
-template <class T, class L> class ConstantOperand {
+// They as an operand.
+template <class T, class L> auto constant_operand(const T* values) {
     using R = Real<T>;
-    static constexpr int pixel = pixel_samples<T, L>;
-    static constexpr int period = 16 % (pixel * sizeof(R)) == 0 ? 1 : pixel * sizeof(R) % 32 == 0 ? 2 : 3;
-    struct Pixel { // alpha has no constant
-        R samples[pixel] = {};
-        explicit Pixel(const T* values) { std::memcpy(samples, values, sizeof(T) * L::colours); }
-    };
-
-public:
-    using Pattern = zeti::Pattern<R, period>;
-    static Pattern pattern(const T* values) { return Pattern(Pixel(values).samples, pixel); }
-
-    explicit ConstantOperand(const T* values) : pattern_(pattern(values)) {}
-    const Pattern& row(ptrdiff_t) const { return pattern_; }
-    static bool is(const R*) { return false; }
-    static bool contiguous(ptrdiff_t) { return true; } // a row is whole pixels: the pattern goes on where the next row begins
-
-private:
-    Pattern pattern_;
-};
+    constexpr int pixel = pixel_samples<T, L>;
+    constexpr int period = 16 % (pixel * sizeof(R)) == 0 ? 1 : pixel * sizeof(R) % 32 == 0 ? 2 : 3;
+    R samples[pixel] = {}; // alpha has no constant
+    std::memcpy(samples, values, sizeof(T) * L::colours);
+    return Pattern<R, period>(samples, pixel);
+}
 
 // Several constants per channel, for kernels that are given an array of them.
-template <class T, class L, int N> class ConstantOperands {
-    using One = ConstantOperand<T, L>;
-    using Patterns = zeti::Patterns<T, One::Pattern::period, N>;
-
-public:
-    template <class... Values> explicit ConstantOperands(Values... values) : patterns_{{One::pattern(values)...}} {}
-    const Patterns& row(ptrdiff_t) const { return patterns_; }
-    static bool is(const T*) { return false; }
-    static bool contiguous(ptrdiff_t) { return true; }
-
-private:
-    Patterns patterns_;
-};
+template <class T, class L, class... Values> auto constant_operands(const Values*... values) {
+    using One = decltype(constant_operand<T, L>(nullptr));
+    return Operands<T, One, sizeof...(Values)>{{constant_operand<T, L>(values)...}};
+}
 
 // Fills what the layout writes with zeros.
 template <class T, class L> void clear(Dst<T> dst, ZetiSize roi) {
@@ -108,22 +73,21 @@ private:
 inline constexpr std::false_type serial;
 
 // Rows without gaps between them in any image are one long row: their kernel starts once per run of rows.
-template <bool InFloats, class R, class Operand, class Fork, class A>
-[[gnu::noinline]] void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, const RowKernel<R, A>& kernel) {
+template <bool InFloats, class R, class Fork, class A>
+[[gnu::noinline]] void run_rows(const A& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, const RowKernel<R, A>& kernel) {
     const bool inPlace = (kernel.reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
     const ptrdiff_t rowBytes = e.width * ptrdiff_t{sizeof(R)};
     const bool large = int64_t{rowBytes} * e.height >= arithmetic_streams_from, streams = large && kernel.writes_all && !inPlace;
-    const bool joins = !kernel.end_row && (!kernel.registers_of_row || e.width % lanes<R> == 0);
+    const bool joins = !kernel.ends_rows && (!kernel.registers_of_row || e.width % lanes<R> == 0);
     const bool contiguous = joins && b.step == rowBytes && dst.step == rowBytes && a.contiguous(rowBytes);
-    const auto one_row = [&](ptrdiff_t y, ptrdiff_t width) {
-        if (large) large_row(a.row(y), b.row(y), dst.row(y), width, kernel, streams);
-        else kernel(a.row(y), b.row(y), dst.row(y), width);
-    };
     const auto run = [&](ptrdiff_t first, ptrdiff_t count) {
-        if (contiguous) return one_row(first, e.width * count);
-        for (ptrdiff_t y = first; y < first + count; ++y) {
-            one_row(y, e.width);
-            if (kernel.end_row) kernel.end_row(kernel.op);
+        const Extent part = contiguous ? Extent{e.width * count, 1} : Extent{e.width, count};
+        const Src<R> source{b.row(first), b.step};
+        const Dst<R> destination{dst.row(first), dst.step};
+        if (!large) return kernel.rows(a.row(first), source, destination, part.width, part.height);
+        for (ptrdiff_t y = 0; y < part.height; ++y) {
+            large_row<R, A>(a.row(first + y), source.row(y), destination.row(y), part.width, kernel, streams);
+            if (kernel.ends_rows) kernel.rows(a, source, destination, 0, 1);
         }
     };
     const auto scope = [=] { return RowScope<InFloats>(streams); };
@@ -133,9 +97,9 @@ template <bool InFloats, class R, class Operand, class Fork, class A>
     run(0, e.height);
 }
 
-template <class Writes, class R, class Operand, class Fork, class Kernel>
-void run_rows(const Operand& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, Kernel& kernel) {
-    run_rows<in_floats<R, Kernel>>(a, b, dst, e, fork, row_kernel<Writes, R, std::remove_cvref_t<decltype(a.row(0))>>(kernel));
+template <class Writes, class R, class A, class Fork, class Kernel>
+void run_rows(const A& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, Kernel& kernel) {
+    run_rows<in_floats<R, Kernel>>(a, b, dst, e, fork, row_kernel<Writes, R, A>(kernel));
 }
 
 } // namespace zeti

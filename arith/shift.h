@@ -32,7 +32,7 @@ template <class Direction, class T, class L> void shift_by_one_count(Zet32u n, S
     }
     if (n >= bits_of<T> && !Direction::template fills_with_sign<T>) return clear<T, L>(dst, roi);
     typename Direction::template Kernel<T> kernel(static_cast<int>(std::min<Zet32u>(n, bits_of<T> - 1)));
-    run_rows<Writes<U, L>>(NoImage<U>(), as<U>(src), as<U>(dst), e, serial, kernel);
+    run_rows<Writes<U, L>>(NoOperand<U>(), as<U>(src), as<U>(dst), e, serial, kernel);
 }
 
 // Lanes of one register have different counts.
@@ -48,8 +48,8 @@ template <class Direction, class T, class L> void shift_by_channel(const Zet32u*
         factors[c] = kernel.factor(n);
         if constexpr (std::is_same_v<Direction, Right>) unshifted[c] = kernel.unshifted(n), excess[c] = kernel.excess(n);
     }
-    if constexpr (std::is_same_v<Direction, Right>) run(ConstantOperands<U, L, 3>(factors, unshifted, excess));
-    else run(ConstantOperands<U, L, 1>(factors));
+    if constexpr (std::is_same_v<Direction, Right>) run(constant_operands<U, L>(factors, unshifted, excess));
+    else run(constant_operands<U, L>(factors));
 }
 
 } // namespace detail

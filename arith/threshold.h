@@ -22,8 +22,8 @@ void run_threshold(Kernel kernel, const T* pSrc, int srcStep, T* pDst, int dstSt
     const auto run = [&](const auto& operand) {
         run_rows<Writes<T, L>>(operand, Src<T>{pSrc, srcStep}, Dst<T>{pDst, dstStep}, real_samples<T, L>(roi), serial, kernel);
     };
-    if constexpr (sizeof...(Values) == 1) run(ConstantOperand<T, L>(values...));
-    else run(ConstantOperands<T, L, sizeof...(Values)>(values...));
+    if constexpr (sizeof...(Values) == 1) run(constant_operand<T, L>(values...));
+    else run(constant_operands<T, L>(values...));
 }
 
 // What the kernel takes for each channel's value.

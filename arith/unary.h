@@ -25,7 +25,7 @@ template <class Kernel> struct OneOperand : Kernel {
 
 template <class L, class T, class Kernel> ZetStatus unary_rows(Src<T> src, Dst<T> dst, ZetiSize roi, const Kernel& kernel) {
     OneOperand<Kernel> op{kernel};
-    run_rows<Writes<T, L>>(ImageOperand<T>{src}, src, dst, real_samples<T, L>(roi), serial, op);
+    run_rows<Writes<T, L>>(operand_of(src), src, dst, real_samples<T, L>(roi), serial, op);
     if constexpr (requires { op.status(); }) return op.status();
     else return zetStsNoErr;
 }

@@ -49,10 +49,9 @@ template <class T, class L> ZetStatus copy(const T* pSrc, int srcStep, T* pDst, 
     const Src<T> src{pSrc, srcStep};
     const Dst<T> dst{pDst, dstStep};
     if constexpr (std::is_same_v<L, AC4>) {
-        const Extent e = samples(roiSize, 4);
-        const Extent rows = collapsed(e, e.width * ptrdiff_t{sizeof(T)}, src.step, dst.step);
+        const Extent e = samples(roiSize, 4), run = collapsed(e, e.width * ptrdiff_t{sizeof(T)}, src.step, dst.step);
         TakeFirst take;
-        each_row(rows, [&](ptrdiff_t y) { row<KeepAlpha<T, 4>>(RowOperand<T>{src.row(y)}, dst.row(y), dst.row(y), rows.width, take); });
+        rows<KeepAlpha<T, 4>>(operand_of(src), Src<T>(dst), dst, run.width, run.height, take);
     } else if constexpr (requires { L::channels == L::colours; } && !std::is_same_v<L, C3C> && !std::is_same_v<L, C4C>) {
         copy_samples(src, dst, samples(roiSize, L::channels));
     } else {

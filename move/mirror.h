@@ -29,7 +29,7 @@ template <class T, class L> struct MirrorPixels {
         if constexpr (keeps_alpha) {
             TakeFirst take;
             T* const to = reinterpret_cast<T*>(dst);
-            row<KeepAlpha<T, 4>>(RowOperand<T>{reinterpret_cast<const T*>(src)}, to, to, 4 * n, take);
+            rows<KeepAlpha<T, 4>>(RowOperand<T>{reinterpret_cast<const T*>(src)}, Src<T>{to, 0}, Dst<T>{to, 0}, 4 * n, 1, take);
         } else {
             owniCopy_8u_C1(src, dst, n * bytes, Cache::plain);
         }

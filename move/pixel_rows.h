@@ -25,7 +25,7 @@ public:
             const RowOperand<T> source{from};
             const auto kernel = row_kernel<KeepAlpha<T, 4>, T, RowOperand<T>>(take);
             if (cache_ == Cache::streaming) large_row(source, to, to, pixels * channels, kernel, false);
-            else kernel(source, to, to, pixels * channels);
+            else kernel.part(source, to, to, pixels * channels);
         } else {
             owniCopy_8u_C1(reinterpret_cast<const Zet8u*>(from), reinterpret_cast<Zet8u*>(to), pixels * pixel, cache_);
         }

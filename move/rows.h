@@ -72,9 +72,9 @@ template <int PixelSamples, class T> void fill_colours(const T* value, Dst<T> ds
     for (int c = 0; c < colours; ++c) pixel[c] = value[c];
     using Writes = KeepAlpha<T, PixelSamples>;
     const Pattern<T, Writes::period> pattern(pixel, PixelSamples);
-    const Extent rows = collapsed(e, e.width * ptrdiff_t{sizeof(T)}, dst.step);
+    const Extent run = collapsed(e, e.width * ptrdiff_t{sizeof(T)}, dst.step);
     TakeFirst take;
-    each_row(rows, [&](ptrdiff_t y) { row<Writes>(pattern, dst.row(y), dst.row(y), rows.width, take); });
+    rows<Writes>(pattern, Src<T>(dst), dst, run.width, run.height, take);
 }
 
 } // namespace zeti

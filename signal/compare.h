@@ -91,6 +91,8 @@ public:
     [[gnu::noinline]] Vec<Zet8u> part(ptrdiff_t i, int, int n) const {
         return joined([&](int k) { return cmp_.template mask<T>(part(a_, i, k, n), part(b_, i, k, n)); });
     }
+    void next_row() { a_.next_row(), b_.next_row(); }
+    Comparison row(ptrdiff_t y) const { return {cmp_, a_.row(y), b_.row(y)}; }
     Comparison from(ptrdiff_t i) const { return {cmp_, a_.from(i * channels), b_.from(i * channels)}; }
     void advance(ptrdiff_t n) { a_.advance(n * channels), b_.advance(n * channels); }
     [[gnu::always_inline]] void prefetch(ptrdiff_t i) const { // what becomes a cache line of bytes
@@ -99,8 +101,12 @@ public:
             a_.prefetch(at), b_.prefetch(at);
         }
     }
-    ptrdiff_t lead(const Zet8u*, ptrdiff_t n) const { return n; } // source and mask do not overlap
-    bool overlaps(const Zet8u*, ptrdiff_t) const { return false; }
+    static ptrdiff_t lead(const Zet8u*, ptrdiff_t n) { return n; } // sources and mask do not overlap
+    static bool overlaps(const Zet8u*, ptrdiff_t) { return false; }
+    static bool is(const Zet8u*) { return false; }
+    bool contiguous(ptrdiff_t pixels) const {
+        return a_.contiguous(pixels * channels * ptrdiff_t{sizeof(T)}) && b_.contiguous(pixels * channels * ptrdiff_t{sizeof(T)});
+    }
 
 private:
     // Register k of the 16 pixels from pixel i on, of which n < 16 exist.

@@ -2,8 +2,8 @@
 // The row walker of the element-wise operations:  dst[i] = op(a[i], b[i]).
 //
 // A kernel `op` takes and gives whole registers and is the only definition of its arithmetic: the tail of a row goes
-// through the same kernel as a partial register. b is a row; a is another row, a pattern of constants that repeats, several
-// such rows or patterns, or nothing (a kernel of one operand ignores what it is given first). A kernel that takes a alone leaves b unread.
+// through the same kernel as a partial register. b is an image; a is an operand of signal/operands.h (a kernel of one operand ignores what
+// it is given first). A kernel that takes a alone leaves b unread.
 #pragma once
 
 #include <algorithm>
@@ -82,8 +82,7 @@ template <class T, class Op, class A, class LoadB> [[gnu::always_inline]] inline
 
 // Kernels of one operand for which most samples are simpler than some: while four registers hold usual(ones) they take their short
 // form, usual(x). Gives the samples done.
-template <class T, class A, class Op> ptrdiff_t usual_row(const A& a, T* dst, ptrdiff_t n, Op& op) {
-    ptrdiff_t i = 0;
+template <class T, class A, class Op> ptrdiff_t usual_row(const A& a, T* dst, ptrdiff_t i, ptrdiff_t n, Op& op) {
     for (; i <= n - 4 * lanes<T>; i += 4 * lanes<T>) {
         const Vec<T> x[4] = {a.whole(i, 0), a.whole(i + lanes<T>, 0), a.whole(i + 2 * lanes<T>, 0), a.whole(i + 3 * lanes<T>, 0)};
         if (op.usual(x)) [[likely]]
@@ -94,91 +93,108 @@ template <class T, class A, class Op> ptrdiff_t usual_row(const A& a, T* dst, pt
     return i;
 }
 
-template <class Op> inline constexpr bool has_zero_flag = requires(const Op& op) { op.saw_zero(); };
-template <class Op> inline constexpr bool has_status = requires(const Op& op) { op.status(); };
+template <class Op> inline constexpr bool notes = requires(const Op& op) { op.saw_zero(); }
+|| requires(const Op& op) { op.status(); };
+
 } // namespace detail
 
-template <class Writes, class T, class A, class Op> void row(const A& operand, const T* b, T* dst, ptrdiff_t n, Op& kernel);
+inline constexpr ptrdiff_t part_of_row = 0; // a height: n samples of a row that does not end there
+
+template <class Writes, class T, class A, class Op>
+void rows(const A& operand, Src<T> b, Dst<T> dst, ptrdiff_t n, ptrdiff_t height, Op& kernel);
 
 // A row kernel of any type behind one pointer: what goes through rows in ways of its own is compiled once for all kernels of the same operands.
 template <class T, class A> struct RowKernel {
-    void (*call)(const A& a, const T* b, T* dst, ptrdiff_t n, void* op);
+    void (*call)(const A& a, Src<T> b, Dst<T> dst, ptrdiff_t n, ptrdiff_t height, void* op);
     void* op;
-    void (*end_row)(void* op); // where a kernel has something to settle at the end of each row
     bool writes_all, reads_b;
+    bool ends_rows;        // it has something to settle at the end of each row
     bool registers_of_row; // its lanes depend on one another: a row's registers must start where the row does
     int unit;              // samples that it takes at least: one, or the pixel of a kernel whose samples depend on one another
     int pixel;             // samples after which unit and destination repeat
     bool (*skips)(ptrdiff_t i);
 
-    void operator()(const A& a, const T* b, T* dst, ptrdiff_t n) const { call(a, b, dst, n, op); }
+    void rows(const A& a, Src<T> b, Dst<T> dst, ptrdiff_t n, ptrdiff_t height) const { call(a, b, dst, n, height, op); }
+    void part(const A& a, const T* b, T* dst, ptrdiff_t n) const { call(a, {b, 0}, {dst, 0}, n, part_of_row, op); }
 };
 
 template <class Writes, class T, class A, class Op> RowKernel<T, A> row_kernel(Op& op) {
     constexpr int unit = detail::unit_of<Op>();
-    void (*end_row)(void*) = nullptr;
-    if constexpr (requires { op.end_row(); }) end_row = [](void* erased) { static_cast<Op*>(erased)->end_row(); };
-    return {[](const A& a, const T* b, T* dst, ptrdiff_t n, void* erased) { row<Writes>(a, b, dst, n, *static_cast<Op*>(erased)); },
-            const_cast<void*>(static_cast<const void*>(&op)), end_row, std::is_same_v<Writes, WriteAll<T>>, !leaves_row_unread<Op, A>,
-            requires {Op::in_fours;
+    return {[](const A& a, Src<T> b, Dst<T> dst, ptrdiff_t n, ptrdiff_t height, void* erased) {
+                rows<Writes>(a, b, dst, n, height, *static_cast<Op*>(erased));
+            },
+            const_cast<void*>(static_cast<const void*>(&op)), std::is_same_v<Writes, WriteAll<T>>, !leaves_row_unread<Op, A>,
+            requires {op.end_row();
 }
+, requires { Op::in_fours; }
 , unit, std::lcm(unit, Writes::pixel), Writes::skips,
 }; // namespace zeti
 }
 
 // Left to right, where the destination runs ahead of a source within the row and results become sources: as many samples at a time as it is ahead.
 template <class T, class A>
-[[gnu::noinline]] void row_in_order(const A& a, const T* b, T* dst, ptrdiff_t n, ptrdiff_t lead, const RowKernel<T, A>& row) {
-    const ptrdiff_t pixels = row.registers_of_row ? 0 : lead / row.pixel * row.pixel;
-    for (ptrdiff_t i = 0, count = pixels > 0 ? pixels : row.unit; i < n; i += count)
-        if (pixels > 0 || !row.skips(i)) row(a.from(i), b + i, dst + i, std::min(count, n - i));
+[[gnu::noinline]] void row_in_order(const A& a, const T* b, T* dst, ptrdiff_t n, ptrdiff_t lead, const RowKernel<T, A>& kernel) {
+    const ptrdiff_t pixels = kernel.registers_of_row ? 0 : lead / kernel.pixel * kernel.pixel;
+    for (ptrdiff_t i = 0, count = pixels > 0 ? pixels : kernel.unit; i < n; i += count)
+        if (pixels > 0 || !kernel.skips(i)) kernel.part(a.from(i), b + i, dst + i, std::min(count, n - i));
 }
 
-// One function per kernel, and everything in it: what a large file leaves the compiler to inline is not to decide about speed.
+// One function per kernel, and everything in it, the loop over rows too: what a large file leaves the compiler to inline is not to decide about
+// speed, and a call per row would cost short rows as much as their samples.
 template <class Writes, class T, class A, class Op>
-[[gnu::noinline, gnu::flatten]] void row(const A& operand, const T* b, T* dst, ptrdiff_t n, Op& kernel) {
+[[gnu::noinline, gnu::flatten]] void rows(const A& operand, Src<T> source, Dst<T> destination, ptrdiff_t n, ptrdiff_t height, Op& kernel) {
     constexpr int period = std::lcm(A::period, Writes::period);
-    Op op = kernel; // in registers for the row
-    const A a = operand;
-    if (const ptrdiff_t lead = RowOperand<T>{b}.lead(dst, a.lead(dst, n)); lead < n && n > detail::unit_of<Op>())
-        return row_in_order<T, A>(operand, b, dst, n, lead, row_kernel<Writes, T, A>(kernel));
-    const auto whole = [&](ptrdiff_t i, int phase) __attribute__((always_inline)) {
-        const Vec<T> result = detail::applied<T>(op, Writes::guarded(op, a.whole(i, phase), phase), [&] { return load(b + i); });
-        store(dst + i, Writes::merge(result, load(dst + i), phase));
-    };
-    const auto round = [&](ptrdiff_t at) __attribute__((always_inline)) {
-        for (int phase = 0; phase < period; ++phase) whole(at + phase * lanes<T>, phase);
-    };
-    ptrdiff_t i = 0;
-    if constexpr (requires { op.usual(Vec<T>{}); } && std::is_same_v<Writes, WriteAll<T>>) i = detail::usual_row(a, dst, n, op);
-    if constexpr (detail::unrolls<Op, A>) { // NOLINT(bugprone-branch-clone)
+    Op op = kernel; // in registers for the rows
+    A a = operand;
+    for (ptrdiff_t y = 0; y < std::max<ptrdiff_t>(height, 1); ++y, a.next_row()) {
+        const T* const b = source.row(y);
+        T* const dst = destination.row(y);
+        ptrdiff_t i = 0;
+        if (const ptrdiff_t lead = RowOperand<T>{b}.lead(dst, a.lead(dst, n)); lead < n && n > detail::unit_of<Op>()) [[unlikely]] {
+            if constexpr (detail::notes<Op>) kernel = op;
+            row_in_order<T, A>(operand.row(y), b, dst, n, lead, row_kernel<Writes, T, A>(kernel));
+            if constexpr (detail::notes<Op>) op = kernel;
+            i = n;
+        }
+        const auto whole = [&](ptrdiff_t at, int phase) __attribute__((always_inline)) {
+            const Vec<T> result = detail::applied<T>(op, Writes::guarded(op, a.whole(at, phase), phase), [&] { return load(b + at); });
+            store(dst + at, Writes::merge(result, load(dst + at), phase));
+        };
+        const auto round = [&](ptrdiff_t at) __attribute__((always_inline)) {
+            for (int phase = 0; phase < period; ++phase) whole(at + phase * lanes<T>, phase);
+        };
+        if constexpr (requires { op.usual(Vec<T>{}); } && std::is_same_v<Writes, WriteAll<T>>) i = detail::usual_row(a, dst, i, n, op);
+        if constexpr (detail::unrolls<Op, A>) { // NOLINT(bugprone-branch-clone)
 #pragma GCC unroll 4
-        for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
-    } else {
-        for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+            for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+        } else {
+            for (; i <= n - period * lanes<T>; i += period * lanes<T>) round(i);
+        }
+        int phase = 0;
+        for (; i <= n - lanes<T>; i += lanes<T>) whole(i, phase++);
+        if (const int rest = static_cast<int>(n - i); rest > 0) {
+            const auto last = detail::padded<T>(op, Writes::guarded(op, a.part(i, phase, rest), phase), rest);
+            const Vec<T> result = detail::applied<T>(op, last, [&] { return load(b + i, rest); });
+            store(dst + i, Writes::merge(result, load(dst + i, rest), phase), rest);
+        }
+        if constexpr (requires { op.end_row(); })
+            if (height != part_of_row) op.end_row();
     }
-    int phase = 0;
-    for (; i <= n - lanes<T>; i += lanes<T>) whole(i, phase++);
-    if (const int rest = static_cast<int>(n - i); rest > 0) {
-        const auto first = detail::padded<T>(op, Writes::guarded(op, a.part(i, phase, rest), phase), rest);
-        const Vec<T> result = detail::applied<T>(op, first, [&] { return load(b + i, rest); });
-        store(dst + i, Writes::merge(result, load(dst + i, rest), phase), rest);
-    }
-    if constexpr (detail::has_zero_flag<Op> || detail::has_status<Op>) kernel = op; // what it saw; others are shared by threads
+    if constexpr (detail::notes<Op>) kernel = op; // what it saw; others are shared by threads
 }
 
 // The same row of an image that is too large to stay in a cache: by pieces, each asked for ahead of time, as the processor does not do it by
 // itself across them. Where everything is written and nothing of it read, results leave by streaming stores, so that the destination is not
 // read first.
 template <class T, class A>
-[[gnu::noinline]] void large_row(const A& a, const T* b, T* dst, ptrdiff_t n, const RowKernel<T, A>& row, bool streams) {
+[[gnu::noinline]] void large_row(const A& a, const T* b, T* dst, ptrdiff_t n, const RowKernel<T, A>& kernel, bool streams) {
     constexpr ptrdiff_t size = sizeof(T), line = line_bytes / size,
                         ahead = std::max(piece_bytes, ahead_bytes / detail::lines_of<A>()) / size;
     const ptrdiff_t head = streams ? std::min(n, to_line(dst) / size) : 0;
-    if ((row.reads_b && RowOperand<T>{b}.overlaps(dst, n)) || a.overlaps(dst, n) || (streams && to_line(dst) % (row.unit * size) != 0) ||
-        (row.registers_of_row && head % lanes<T> != 0))
-        return row(a, b, dst, n);
-    if (head > 0) row(a, b, dst, head);
+    if ((kernel.reads_b && RowOperand<T>{b}.overlaps(dst, n)) || a.overlaps(dst, n) ||
+        (streams && to_line(dst) % (kernel.unit * size) != 0) || (kernel.registers_of_row && head % lanes<T> != 0))
+        return kernel.part(a, b, dst, n);
+    if (head > 0) kernel.part(a, b, dst, head);
     const ptrdiff_t whole = (n - head) / line * line, part = (n - head) - whole;
     alignas(line_bytes) T buffer[piece_bytes / size];
     A at[most_places + 1] = {a, a, a, a, a};
@@ -189,14 +205,14 @@ template <class T, class A>
         if (piece.first) from = a.from(head + piece.at);
         for (ptrdiff_t k = 0; k < piece.count; k += line) {
             from.prefetch(k + piece.next);
-            if (row.reads_b) prefetch(second, (k + piece.next) * size);
-            if (!row.writes_all) prefetch(to, (k + piece.next) * size);
+            if (kernel.reads_b) prefetch(second, (k + piece.next) * size);
+            if (!kernel.writes_all) prefetch(to, (k + piece.next) * size);
         }
-        row(from, second, streams ? buffer : to, piece.count);
+        kernel.part(from, second, streams ? buffer : to, piece.count);
         if (streams) stream_lines(buffer, to, piece.count * size);
         from.advance(piece.count);
     });
-    if (part > 0) row(a.from(n - part), b + n - part, dst + n - part, part);
+    if (part > 0) kernel.part(a.from(n - part), b + n - part, dst + n - part, part);
 }
 
 } // namespace zeti

@@ -92,7 +92,7 @@ template <class Side, class T, class L> ZetStatus every(const T* pSrc, int srcSt
     if (ZetStatus bad = first(null(pSrc, pSrcDst), size(roiSize), step(srcStep, srcDstStep))) return bad;
     Every<Side, T> kernel;
     const Dst<T> dst{pSrcDst, srcDstStep};
-    run_rows<Writes<T, L>>(ImageOperand<T>{{pSrc, srcStep}}, Src<T>(dst), dst, real_samples<T, L>(roiSize), serial, kernel);
+    run_rows<Writes<T, L>>(RowOperand<T>{pSrc, srcStep}, Src<T>(dst), dst, real_samples<T, L>(roiSize), serial, kernel);
     return zetStsNoErr;
 }
 
