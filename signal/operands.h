@@ -79,8 +79,9 @@ template <class T, class Operand, int N> struct Operands {
     void next_row() {
         for (auto& o : operand) o.next_row();
     }
-    Operands row(ptrdiff_t y) const {
-        return mapped([=](const Operand& o) { return o.row(y); });
+    decltype(auto) row(ptrdiff_t y) const {
+        if constexpr (std::is_reference_v<decltype(operand[0].row(y))>) return (*this); // constants: no copy
+        else return mapped([=](const Operand& o) { return o.row(y); });
     }
     Operands from(ptrdiff_t i) const {
         return mapped([=](const Operand& o) { return o.from(i); });
