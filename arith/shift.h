@@ -38,18 +38,32 @@ template <class Direction, class T, class L> void shift_by_one_count(Zet32u n, S
 // Lanes of one register have different counts.
 template <class Direction, class T, class L> void shift_by_channel(const Zet32u* counts, Src<T> src, Dst<T> dst, ZetiSize roi) {
     using U = Unsigned<T>;
-    typename Direction::template KernelV<T> kernel;
-    const auto run = [&](const auto& operand) {
-        run_rows<Writes<U, L>>(operand, as<U>(src), as<U>(dst), real_samples<T, L>(roi), serial, kernel);
+    const typename Direction::template KernelV<T> kernel;
+    const auto run = [&](const auto& op, const auto& operand) {
+        run_rows<Writes<U, L>>(operand, as<U>(src), as<U>(dst), real_samples<T, L>(roi), serial, op);
     };
     U factors[4], unshifted[4], excess[4];
+    Zet32u n[4] = {};
     for (int c = 0; c < L::colours; ++c) {
-        const Zet32u n = Direction::template fills_with_sign<T> ? std::min<Zet32u>(counts[c], bits_of<T> - 1) : counts[c];
-        factors[c] = kernel.factor(n);
-        if constexpr (std::is_same_v<Direction, Right>) unshifted[c] = kernel.unshifted(n), excess[c] = kernel.excess(n);
+        n[c] = Direction::template fills_with_sign<T> ? std::min<Zet32u>(counts[c], bits_of<T> - 1) : counts[c];
+        factors[c] = kernel.factor(n[c]);
+        if constexpr (std::is_same_v<Direction, Right>) unshifted[c] = kernel.unshifted(n[c]), excess[c] = kernel.excess(n[c]);
     }
-    if constexpr (std::is_same_v<Direction, Right>) run(constant_operands<U, L>(factors, unshifted, excess));
-    else run(constant_operands<U, L>(factors));
+    if constexpr (std::is_same_v<Direction, Left>) {
+        run(kernel, constant_operands<U, L>(factors));
+    } else if constexpr (sizeof(T) > 1) {
+        run(kernel, constant_operands<U, L>(factors, unshifted, excess));
+    } else {
+        using Bytes = RShiftVBytes<T>;
+        using Constants = decltype(constant_operand<U, L>(excess));
+        Zet16u ofEven[L::channels], ofOdd[L::channels]; // of the pairs in two pixels
+        for (int k = 0; k < L::channels; ++k) {
+            ofEven[k] = Bytes::factor_of_even(n[2 * k % L::channels]);
+            ofOdd[k] = Bytes::factor_of_odd(n[(2 * k + 1) % L::channels]);
+        }
+        const auto pairs = [](const Zet16u* f) { return Constants(reinterpret_cast<const U*>(f), 2 * L::channels); };
+        run(Bytes(), Operands<U, Constants, 3>{{pairs(ofEven), pairs(ofOdd), constant_operand<U, L>(excess)}});
+    }
 }
 
 } // namespace detail
@@ -61,9 +75,9 @@ ZetStatus shift(const T* pSrc, int srcStep, V value, T* pDst, int dstStep, ZetiS
     if (ZetStatus bad = first(null(pSrc, counts, pDst), step(srcStep, dstStep), size(roiSize))) return bad;
     const Src<T> src{pSrc, srcStep};
     const Dst<T> dst{pDst, dstStep};
-    if (std::all_of(counts, counts + L::colours, [=](Zet32u n) { return n == *counts; }))
-        detail::shift_by_one_count<Direction, T, L>(*counts, src, dst, roiSize);
-    else detail::shift_by_channel<Direction, T, L>(counts, src, dst, roiSize);
+    const bool one = std::all_of(counts, counts + L::colours, [=](Zet32u n) { return n == *counts; });
+    if (one) detail::shift_by_one_count<Direction, T, L>(*counts, src, dst, roiSize);
+    else if constexpr (L::colours > 1) detail::shift_by_channel<Direction, T, L>(counts, src, dst, roiSize);
     return zetStsNoErr;
 }
 

@@ -258,12 +258,7 @@ template <int Bytes> __m128i interleave_high(__m128i a, __m128i b) {
 inline Vec<Zet16u> multiply_high(Vec<Zet16u> a, Vec<Zet16u> b) { return as_lanes<Zet16u>(_mm_mulhi_epu16(raw(a), raw(b))); }
 inline Vec<Zet16s> multiply_high(Vec<Zet16s> a, Vec<Zet16s> b) { return as_lanes<Zet16s>(_mm_mulhi_epi16(raw(a), raw(b))); }
 
-// The other widths in twos: every second lane where it stands, its neighbours shifted into its place.
-inline Vec<Zet8u> multiply_high(Vec<Zet8u> a, Vec<Zet8u> b) {
-    const auto x = as_lanes<Zet16u>(a), y = as_lanes<Zet16u>(b);
-    const Vec<Zet16u> even = ((x & 0xFF) * (y & 0xFF)) >> 8, odd = (x >> 8) * (y >> 8);
-    return as_lanes<Zet8u>(even | (odd & 0xFF00));
-}
+// In twos: every second lane where it stands, its neighbours shifted into its place.
 inline Vec<Zet32u> multiply_high(Vec<Zet32u> a, Vec<Zet32u> b) {
     const __m128i even = _mm_srli_epi64(_mm_mul_epu32(raw(a), raw(b)), 32);
     const __m128i odd = _mm_mul_epu32(_mm_srli_epi64(raw(a), 32), _mm_srli_epi64(raw(b), 32));

@@ -49,7 +49,6 @@ private:
 };
 
 template <class T> struct LShiftV {
-    static constexpr int constants = 1;
     using U = Unsigned<T>;
     static U factor(Zet32u n) { return n < bits_of<T> ? static_cast<U>(U{1} << n) : U{0}; }
 
@@ -58,7 +57,6 @@ template <class T> struct LShiftV {
 
 // Signed samples are shifted with 2^(bits - 1) added, which makes them unsigned and leaves 2^(bits - 1 - n) too much.
 template <class T> struct RShiftV {
-    static constexpr int constants = 3;
     using U = Unsigned<T>;
     // A count of 0 has no room for its factor.
     static U factor(Zet32u n) { return n > 0 && n < bits_of<T> ? static_cast<U>(U{1} << (bits_of<T> - n)) : U{0}; }
@@ -68,6 +66,21 @@ template <class T> struct RShiftV {
     Vec<U> operator()(const auto& c, Vec<U> v) const {
         const Vec<U> u = std::is_signed_v<T> ? v ^ static_cast<U>(U{1} << (bits_of<T> - 1)) : v;
         const Vec<U> shifted = multiply_high(u, c[0]) | (u & c[1]);
+        return std::is_signed_v<T> ? shifted - c[2] : shifted;
+    }
+};
+
+// Bytes in pairs, by factors of 16 bits, which have room for a count of 0: the even one comes down from the top of its pair; the odd one
+// goes one place too far, with the pair, and back, so that what is lost was the even one's.
+template <class T> struct RShiftVBytes {
+    using U = Unsigned<T>;
+    static Zet16u factor_of_even(Zet32u n) { return static_cast<Zet16u>(n <= 8 ? 1 << (8 - n) : 0); }
+    static Zet16u factor_of_odd(Zet32u n) { return static_cast<Zet16u>(n <= 8 ? 1 << (15 - n) : 0); }
+
+    Vec<U> operator()(const auto& c, Vec<U> v) const {
+        const auto pairs = as_lanes<Zet16u>(std::is_signed_v<T> ? v ^ U{0x80} : v);
+        const auto even = multiply_high(pairs << 8, as_lanes<Zet16u>(c[0])), odd = multiply_high(pairs, as_lanes<Zet16u>(c[1]));
+        const auto shifted = as_lanes<U>(even | ((odd + odd) & Zet16u{0xFF00}));
         return std::is_signed_v<T> ? shifted - c[2] : shifted;
     }
 };
