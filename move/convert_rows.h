@@ -18,10 +18,8 @@ void run_conversion(const Kernel& kernel, Src<SourceOf<Kernel>> src, Dst<Destina
     const bool contiguous = area(e) < max_of<Zet32s> && src.step == e.width * ptrdiff_t{sizeof(S)};
     const Extent rows = contiguous ? collapsed(e, e.width * ptrdiff_t{sizeof(D)}, dst.step) : e;
     [[maybe_unused]] const RowScope<in_floats<S, Kernel>> held(streams);
-    each_row(rows, [&](ptrdiff_t y) {
-        if (streams) convert_row<Writes<D, L>, large_cache>(src.row(y), dst.row(y), rows.width, kernel);
-        else convert_row<Writes<D, L>, Cache::plain>(src.row(y), dst.row(y), rows.width, kernel);
-    });
+    if (streams) convert_rows<Writes<D, L>, large_cache>(src, dst, rows.width, rows.height, kernel);
+    else convert_rows<Writes<D, L>, Cache::plain>(src, dst, rows.width, rows.height, kernel);
 }
 
 } // namespace zeti

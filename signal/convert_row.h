@@ -5,6 +5,7 @@
 // the only definition of its arithmetic: the ends of a row go through it as a block of which the rest is zero.
 #pragma once
 
+#include "core/view.h"
 #include "signal/copy.h"
 #include "signal/row.h"
 
@@ -46,33 +47,44 @@ template <class Writes, class Kernel>
 
 } // namespace detail
 
-// Registers of the destination begin with a pixel: WriteAll, or KeepAlpha with pixels of 4 samples. The streaming form bypasses the
-// cache; its caller closes with streaming_fence().
+// Rows of n samples. Registers of the destination begin with a pixel: WriteAll, or KeepAlpha with pixels of 4 samples. The streaming form
+// bypasses the cache; its caller closes with streaming_fence().
 template <class Writes, Cache cache, class Kernel>
-[[gnu::noinline, gnu::flatten]] void convert_row(const SourceOf<Kernel>* src, DestinationOf<Kernel>* dst, ptrdiff_t n,
-                                                 const Kernel& kernel) {
+[[gnu::noinline, gnu::flatten]] void convert_rows(Src<SourceOf<Kernel>> source, Dst<DestinationOf<Kernel>> destination, ptrdiff_t n,
+                                                  ptrdiff_t height, const Kernel& kernel) {
     using D = DestinationOf<Kernel>;
-    const Kernel op = kernel; // in registers for the row
-    ptrdiff_t i = 0;
-    if constexpr (cache == Cache::streaming) {
-        static_assert(std::is_same_v<Writes, WriteAll<D>>);
-        const int peel = static_cast<int>(-reinterpret_cast<uintptr_t>(dst) % register_bytes);
-        if (peel % int{sizeof(D)} != 0) return convert_row<Writes, Cache::plain>(src, dst, n, kernel);
-        i = std::min<ptrdiff_t>(n, peel / int{sizeof(D)});
-        if (i > 0) detail::convert_part<Writes>(src, dst, i, kernel);
-        constexpr ptrdiff_t line = 4 * block, size = sizeof *src, ahead = std::max<ptrdiff_t>(6 * line, ahead_bytes / size);
-        const ptrdiff_t whole = (n - i) / line * line;
-        by_places(
-            whole, line, ahead, [=](const Piece& piece) __attribute__((always_inline)) {
-                for (ptrdiff_t k = i + piece.at, end = k + piece.count; k < end; k += line) {
-                    for (ptrdiff_t m = 0; m < line; m += line_bytes / size) prefetch(src + k + m, piece.next * size);
-                    for (ptrdiff_t m = 0; m < line; m += block) detail::convert_block<Writes, cache>(src + k + m, dst + k + m, op);
-                }
-            });
-        i += whole;
+    constexpr ptrdiff_t size = sizeof(SourceOf<Kernel>);
+    const Kernel op = kernel; // in registers for the rows
+    for (ptrdiff_t y = 0; y < height; ++y) {
+        const auto* const src = source.row(y);
+        D* const dst = destination.row(y);
+        ptrdiff_t i = 0;
+        if constexpr (cache == Cache::streaming) {
+            static_assert(std::is_same_v<Writes, WriteAll<D>>);
+            const int peel = static_cast<int>(-reinterpret_cast<uintptr_t>(dst) % register_bytes);
+            if (peel % int{sizeof(D)} != 0) {
+                convert_rows<Writes, Cache::plain>({src, 0}, {dst, 0}, n, 1, kernel);
+                continue;
+            }
+            i = std::min<ptrdiff_t>(n, peel / int{sizeof(D)});
+            if (i > 0) detail::convert_part<Writes>(src, dst, i, kernel);
+            constexpr ptrdiff_t line = 4 * block, ahead = std::max<ptrdiff_t>(6 * line, ahead_bytes / size);
+            const ptrdiff_t whole = (n - i) / line * line;
+            by_places(
+                whole, line, ahead, [=](const Piece& piece) __attribute__((always_inline)) {
+                    for (ptrdiff_t k = i + piece.at, end = k + piece.count; k < end; k += line) {
+                        for (ptrdiff_t m = 0; m < line; m += line_bytes / size) prefetch(src + k + m, piece.next * size);
+                        for (ptrdiff_t m = 0; m < line; m += block) detail::convert_block<Writes, cache>(src + k + m, dst + k + m, op);
+                    }
+                });
+            i += whole;
+        }
+        for (; i <= n - block; i += block) detail::convert_block<Writes, cache>(src + i, dst + i, op);
+        if (i == n) continue;
+        const bool apart = static_cast<const void*>(src + n) <= dst || static_cast<const void*>(dst + n) <= src;
+        if (n >= block && apart) detail::convert_block<Writes, Cache::plain>(src + n - block, dst + n - block, op); // part of it once more
+        else detail::convert_part<Writes>(src + i, dst + i, n - i, kernel);
     }
-    for (; i <= n - block; i += block) detail::convert_block<Writes, cache>(src + i, dst + i, op);
-    if (i < n) detail::convert_part<Writes>(src + i, dst + i, n - i, kernel);
 }
 
 } // namespace zeti

@@ -6,52 +6,72 @@
 
 namespace zeti {
 
-// One pixel repeated over 16 or, where it does not divide 16, 48 bytes; twice, so that a register can be read at any phase.
+// One pixel repeated over 48 bytes, which is a whole number of every pixel; twice, so that a register can be read at any phase.
 class FillPattern {
 public:
-    template <class T> FillPattern(const T* value, int channels) : period_(16 % (int{sizeof(T)} * channels) == 0 ? 16 : 48) {
+    static constexpr int period = 48;
+
+    template <class T> FillPattern(const T* value, int channels) {
         const int pixel = int{sizeof(T)} * channels;
-        for (int i = 0; i < 2 * longest; ++i) bytes_[i] = reinterpret_cast<const Zet8u*>(value)[i % pixel];
+        for (int i = 0; i < 2 * period; ++i) bytes_[i] = reinterpret_cast<const Zet8u*>(value)[i % pixel];
     }
-    int period() const { return period_; }
-    Vec<Zet8u> at(ptrdiff_t i) const { return load(bytes_ + i % period_); }
+    Vec<Zet8u> at(ptrdiff_t i) const { return load(bytes_ + i % period); }
+    Vec<Zet8u> begin(ptrdiff_t i) const { return load(bytes_ + i); } // of the first 80 bytes
 
 private:
-    static constexpr int longest = 48;
-    int period_;
-    Zet8u bytes_[2 * longest];
+    Zet8u bytes_[2 * period];
 };
 
 inline constexpr ptrdiff_t set_is_large_from = 1048576; // bytes of a row
 
-// Fills n bytes with the pattern. The streaming form's caller closes with streaming_fence().
-inline void owniSet_8u(const FillPattern& pattern, Zet8u* dst, ptrdiff_t n, Cache cache) {
-    ptrdiff_t i = 0;
-    if (n >= 64) {
-        store(dst, pattern.at(0)); // one unaligned register, then on from the next boundary
-        i = 16 - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & 15);
-        const auto a = pattern.at(i), b = pattern.at(i + 16), c = pattern.at(i + 32);
-        const auto round = [=](ptrdiff_t at, auto store_aligned) __attribute__((always_inline)) {
-            store_aligned(dst + at, a), store_aligned(dst + at + 16, b), store_aligned(dst + at + 32, c);
-        };
-        if (cache == Cache::streaming) {
-            for (; i <= n - 48; i += 48) round(i, [](Zet8u* p, Vec<Zet8u> v) { store_streaming(p, raw(v)); });
-        } else {
-            const auto plain = [=](ptrdiff_t at) __attribute__((always_inline)) {
-                round(at, [](Zet8u* p, Vec<Zet8u> v) { store(p, v); });
-            };
-            if (const ptrdiff_t from = i; n >= set_is_large_from) { // what is not in the cache is asked for before it is written
-                by_places(n - from, line_bytes, ahead_bytes, [=, &i](const Piece& piece) {
-                    const ptrdiff_t at = from + piece.at;
-                    for (ptrdiff_t k = 0; k < piece.count; k += line_bytes) prefetch(dst + at + k, piece.next);
-                    for (i = at; i <= at + piece.count - 48; i += 48) plain(i);
-                });
-            }
-            for (; i <= n - 48; i += 48) plain(i);
-        }
-    }
-    for (; i <= n - 16; i += 16) store(dst + i, pattern.at(i));
-    if (i < n) store_bytes(dst + i, raw(pattern.at(i)), static_cast<int>(n - i));
+namespace detail {
+
+// From the first register boundary on a row is rounds of three registers; its first and its last register cover what is left beside them.
+[[gnu::always_inline]] inline ptrdiff_t first_round(const Zet8u* dst) {
+    return 16 - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) & 15);
+}
+
+// 16 bytes and more, of which the rounds before `i` are done.
+[[gnu::always_inline]] inline void set_rounds(const FillPattern& pattern, Zet8u* dst, ptrdiff_t i, ptrdiff_t n) {
+    const ptrdiff_t first = first_round(dst);
+    const auto a = pattern.begin(first), b = pattern.begin(first + 16), c = pattern.begin(first + 32);
+    store(dst, pattern.begin(0));
+    for (; i <= n - 48; i += 48) store(dst + i, a), store(dst + i + 16, b), store(dst + i + 32, c);
+    if (i <= n - 16) store(dst + i, a);
+    if (i <= n - 32) store(dst + i + 16, b);
+    store(dst + n - 16, pattern.at(n - 16));
+}
+
+// What is not in the cache is asked for before it is written.
+[[gnu::noinline]] inline void set_large(const FillPattern& pattern, Zet8u* dst, ptrdiff_t n) {
+    const ptrdiff_t first = first_round(dst);
+    const auto a = pattern.begin(first), b = pattern.begin(first + 16), c = pattern.begin(first + 32);
+    ptrdiff_t done = 0;
+    by_places(n - first, line_bytes, ahead_bytes, [&](const Piece& piece) {
+        Zet8u* const to = dst + first + piece.at;
+        for (ptrdiff_t k = 0; k < piece.count; k += line_bytes) prefetch(to + k, piece.next);
+        for (ptrdiff_t k = 0; k <= piece.count - 48; k += 48) store(to + k, a), store(to + k + 16, b), store(to + k + 32, c);
+        done = piece.at + piece.count / 48 * 48; // the last piece ends the row
+    });
+    set_rounds(pattern, dst, first + done, n);
+}
+
+[[gnu::noinline]] inline void set_streaming(const FillPattern& pattern, Zet8u* dst, ptrdiff_t n) {
+    ptrdiff_t i = first_round(dst);
+    const auto a = raw(pattern.begin(i)), b = raw(pattern.begin(i + 16)), c = raw(pattern.begin(i + 32));
+    for (; i <= n - 48; i += 48) store_streaming(dst + i, a), store_streaming(dst + i + 16, b), store_streaming(dst + i + 32, c);
+    set_rounds(pattern, dst, i, n);
+}
+
+} // namespace detail
+
+// Fills n bytes with the pattern; after the streaming form the caller closes with streaming_fence(). As in owniCopy_8u_C1, the usual case takes
+// no call.
+[[gnu::always_inline]] inline void owniSet_8u(const FillPattern& pattern, Zet8u* dst, ptrdiff_t n, Cache cache) {
+    if (n < 16) store_bytes(dst, raw(pattern.begin(0)), static_cast<int>(n));
+    else if (cache == Cache::streaming) detail::set_streaming(pattern, dst, n);
+    else if (n >= set_is_large_from) detail::set_large(pattern, dst, n);
+    else detail::set_rounds(pattern, dst, detail::first_round(dst), n);
 }
 
 } // namespace zeti
