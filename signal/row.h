@@ -93,8 +93,11 @@ template <class T, class A, class Op> ptrdiff_t usual_row(const A& a, T* dst, pt
     return i;
 }
 
-template <class Op> inline constexpr bool notes = requires(const Op& op) { op.saw_zero(); }
-|| requires(const Op& op) { op.status(); };
+template <class Op> inline constexpr bool has_zero_flag = requires(const Op& op) { op.saw_zero(); };
+template <class Op> inline constexpr bool has_status = requires(const Op& op) { op.status(); };
+template <class Op> inline constexpr bool takes_notes = has_zero_flag<Op> || has_status<Op>;
+template <class Op> inline constexpr bool settles_rows = requires(Op& op) { op.end_row(); };
+template <class Op> inline constexpr bool in_registers_of_row = requires { Op::in_fours; };
 
 } // namespace detail
 
@@ -119,16 +122,20 @@ template <class T, class A> struct RowKernel {
 };
 
 template <class Writes, class T, class A, class Op> RowKernel<T, A> row_kernel(Op& op) {
-    constexpr int unit = detail::unit_of<Op>();
-    return {[](const A& a, Src<T> b, Dst<T> dst, ptrdiff_t n, ptrdiff_t height, void* erased) {
-                rows<Writes>(a, b, dst, n, height, *static_cast<Op*>(erased));
-            },
-            const_cast<void*>(static_cast<const void*>(&op)), std::is_same_v<Writes, WriteAll<T>>, !leaves_row_unread<Op, A>,
-            requires {op.end_row();
-}
-, requires { Op::in_fours; }
-, unit, std::lcm(unit, Writes::pixel), Writes::skips,
-}; // namespace zeti
+    using namespace detail;
+    RowKernel<T, A> kernel{};
+    kernel.call = [](const A& a, Src<T> b, Dst<T> dst, ptrdiff_t n, ptrdiff_t height, void* erased) {
+        rows<Writes>(a, b, dst, n, height, *static_cast<Op*>(erased));
+    };
+    kernel.op = const_cast<void*>(static_cast<const void*>(&op));
+    kernel.writes_all = std::is_same_v<Writes, WriteAll<T>>;
+    kernel.reads_b = !leaves_row_unread<Op, A>;
+    kernel.ends_rows = settles_rows<Op>;
+    kernel.registers_of_row = in_registers_of_row<Op>;
+    kernel.unit = unit_of<Op>();
+    kernel.pixel = std::lcm(unit_of<Op>(), Writes::pixel);
+    kernel.skips = Writes::skips;
+    return kernel;
 }
 
 // Left to right, where the destination runs ahead of a source within the row and results become sources: as many samples at a time as it is ahead.
@@ -151,9 +158,9 @@ template <class Writes, class T, class A, class Op>
         T* const dst = destination.row(y);
         ptrdiff_t i = 0;
         if (const ptrdiff_t lead = RowOperand<T>{b}.lead(dst, a.lead(dst, n)); lead < n && n > detail::unit_of<Op>()) [[unlikely]] {
-            if constexpr (detail::notes<Op>) kernel = op;
+            if constexpr (detail::takes_notes<Op>) kernel = op;
             row_in_order<T, A>(operand.row(y), b, dst, n, lead, row_kernel<Writes, T, A>(kernel));
-            if constexpr (detail::notes<Op>) op = kernel;
+            if constexpr (detail::takes_notes<Op>) op = kernel;
             i = n;
         }
         const auto whole = [&](ptrdiff_t at, int phase) __attribute__((always_inline)) {
@@ -177,10 +184,10 @@ template <class Writes, class T, class A, class Op>
             const Vec<T> result = detail::applied<T>(op, last, [&] { return load(b + i, rest); });
             store(dst + i, Writes::merge(result, load(dst + i, rest), phase), rest);
         }
-        if constexpr (requires { op.end_row(); })
+        if constexpr (detail::settles_rows<Op>)
             if (height != part_of_row) op.end_row();
     }
-    if constexpr (detail::notes<Op>) kernel = op; // what it saw; others are shared by threads
+    if constexpr (detail::takes_notes<Op>) kernel = op; // what it saw; others are shared by threads
 }
 
 // The same row of an image that is too large to stay in a cache: by pieces, each asked for ahead of time, as the processor does not do it by
