@@ -19,10 +19,6 @@ template <class T> struct Alpha : Elementwise<T> {
         : Elementwise<T>{operation, l, isInPlace, operation.ends_with("C")}, composes(operation.starts_with("AlphaComp")),
           composition(alphaType) {}
 
-    std::string family() const { return "Alpha"; }
-    std::string parameters() const {
-        return "type " + std::to_string(composition) + ", constants " + text(constants[0]) + ' ' + text(constants[1]);
-    }
     bool checks_steps() const { return false; }
 
     template <class I, class Use> void call(const I& i, Use use) const {
@@ -31,24 +27,22 @@ template <class T> struct Alpha : Elementwise<T> {
         else if (composes) this->two(i, use, t);
         else if constexpr (planes) constant ? this->with_value(constants[0], i, use) : this->one(i, use);
     }
+    int alpha() const { return layout.colours == layout.channels ? -1 : layout.colours; } // where it is
+    bool mixes() const { return alpha() >= 0 && (composes || !constant); }
     void pixel(const T* a, const T* b, T* d, ZetStatus&) const {
-        const int last = layout.colours == layout.channels ? -1 : layout.colours; // where alpha is
-        const bool mixes = last >= 0 && (composes || !constant);
+        const int last = alpha();
         const auto faded = [&](const T* p, int i, T by) {
             return i == last || composition >= zetAlphaOverPremul ? product(p[i], by) : p[i];
         };
-        T pixel[4];
-        T* const result = mixes ? pixel : d; // channels that do not mix are computed one after the other
         for (int c = 0; c < layout.channels; ++c) {
-            if (!composes && c == last) result[c] = constant ? d[c] : b[c];
-            else if (!composes) result[c] = product(b[c], constant ? constants[0] : b[last]);
-            else if (last < 0) result[c] = composed(composition, false, a[c], constants[0], b[c], constants[1]);
-            else if (!constant) result[c] = composed(composition, c == last, a[c], a[last], b[c], b[last]);
+            if (!composes && c == last) d[c] = constant ? d[c] : b[c];
+            else if (!composes) d[c] = product(b[c], constant ? constants[0] : b[last]);
+            else if (last < 0) d[c] = composed(composition, false, a[c], constants[0], b[c], constants[1]);
+            else if (!constant) d[c] = composed(composition, c == last, a[c], a[last], b[c], b[last]);
             else
-                result[c] = composed(composition, c == last, faded(a, c, constants[0]), product(a[last], constants[0]),
-                                     faded(b, c, constants[1]), product(b[last], constants[1]));
+                d[c] = composed(composition, c == last, faded(a, c, constants[0]), product(a[last], constants[0]),
+                                faded(b, c, constants[1]), product(b[last], constants[1]));
         }
-        if (mixes) std::copy_n(pixel, layout.channels, d);
     }
     void prepare(Random& r, Image<T>& a, Image<T>& b) { // alpha of mattes, floats of a photograph
         const auto fraction = [&] { return static_cast<T>(r.between(0, 999)) / 999; };
@@ -62,8 +56,10 @@ template <class T> struct Alpha : Elementwise<T> {
             }
     }
 
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsAlphaTypeErr}; }
-    std::vector<int> unknown() const { return {12, INT_MAX, -1, INT_MIN}; }
+    void order(Faults& faults, const Arguments& call) const {
+        faults.null(call).size(call);
+        if (composes) faults.add(zetStsAlphaTypeErr, call.back().as<int>(), {12, INT_MAX, -1, INT_MIN});
+    }
 };
 
 constexpr auto each_member = [](auto use) {
@@ -86,7 +82,7 @@ constexpr auto each_member = [](auto use) {
 };
 
 TEST(Alpha, EveryMemberAndOperatorAtEveryWidth) { sweep(each_member); }
-TEST(Alpha, OrderOfChecks) { check_order(each_member); }
+TEST(Alpha, OrderOfChecks) { check_orders(each_member); }
 TEST(Alpha, OverlappingRows) { check_overlap(each_member); }
 TEST(Alpha, LargeDestination) { check_large(Alpha<Zet8u>("AlphaPremul", AC4)); } // a pixel never leaves in two parts
 

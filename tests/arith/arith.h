@@ -20,7 +20,6 @@ template <class T> struct Arith : Elementwise<T> {
     using R = Real<T>;
     using Elementwise<T>::layout, Elementwise<T>::inPlace, Elementwise<T>::s, Elementwise<T>::constant, Elementwise<T>::constants;
     Op op;
-    std::array<T, 4> divisors{}; // the constants, but a zero for one of them
 
     Arith(Op o, bool byConstant, bool isInPlace = false, const PixelLayout& l = pixel_layouts[0])
         : Elementwise<T>{op_names[static_cast<int>(o)] + std::string(byConstant ? "C" : ""), l, isInPlace, byConstant, !is_float<T>},
@@ -98,23 +97,16 @@ template <class T> struct Arith : Elementwise<T> {
                     a.set(y, i, zero ? 0 : tame());
                 }
         }
-        divisors = constants, divisors[layout.colours - 1] = T{};
         if (op == Op::Div) appease(r, a, layout, number<T>(1), T{}, is_zero<T>);
     }
 
-    std::vector<ZetStatus> order() const {
-        std::vector<ZetStatus> all{zetStsNullPtrErr, zetStsSizeErr};
+    void order(Faults& faults, const Arguments& call) {
         const bool widthFirst = !constant && !is_complex<T> && layout.channels > 1 && layout.channels == layout.colours;
-        if (widthFirst) all.insert(all.begin(), zetStsSizeErr);
-        if (checks_steps()) all.push_back(zetStsStepErr);
-        if (constant && op == Op::Div) all.push_back(zetStsDivByZeroErr);
-        return all;
-    }
-    void own_faults(Faults& faults, ZetStatus status, T& value, int) const {
-        if (status == zetStsDivByZeroErr) faults.add(status, value, {T{}});
-    }
-    void own_faults(Faults& faults, ZetStatus status, const T*& values, int) const {
-        if (status == zetStsDivByZeroErr && values == constants.data()) faults.add(status, values, {divisors.data()});
+        faults.size(call, widthFirst, false).null(call).size(call, !widthFirst, true);
+        if (checks_steps()) faults.step(call);
+        if (constant && op == Op::Div)
+            faults.add(zetStsDivByZeroErr, layout.channels == 1 ? call[inPlace ? 0 : 2].template as<T>() : constants[layout.colours - 1],
+                       {T{}});
     }
 };
 

@@ -6,7 +6,7 @@ using namespace test;
 namespace {
 
 TEST(Arithmetic, EveryMemberAtEveryScaleAndWidth) { sweep(each_arith); }
-TEST(Arithmetic, OrderOfChecks) { check_order(each_arith); }
+TEST(Arithmetic, OrderOfChecks) { check_orders(each_arith); }
 TEST(Arithmetic, OverlappingRows) { check_overlap(each_arith); }
 
 TEST(Arithmetic, LargeDestinations) {
@@ -59,8 +59,7 @@ TEST(Arithmetic, EstimatedQuotientsDoNotDependOnThePlace) {
     f.prepare(r, a, b);
     for (int x = 0; x < 64; ++x) a.set(0, x, a.at(0, x) == 0 ? 3 : a.at(0, x)); // four pixels with a zero among them are divided exactly
     const auto run = [&](int from, int width, float* d) {
-        f.call(Operands<const float*, float*>{a.data() + from, 256, b.data() + from, 256, d, 256, {width, 1}},
-               [](auto... x) { call_member("zetiDiv_32f_C1R", x...); });
+        test::run(f, Operands<const float*, float*>{a.data() + from, 256, b.data() + from, 256, d, 256, {width, 1}});
     };
     float alone[64];
     for (int x = 0; x < 64; ++x) run(x, 1, &alone[x]);

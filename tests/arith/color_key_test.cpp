@@ -13,18 +13,15 @@ template <class T> struct Key : Elementwise<T> {
     Key(const PixelLayout& l, int alphaType = -1)
         : Elementwise<T>{alphaType < 0 ? "CompColorKey" : "AlphaCompColorKey", l}, composition(alphaType) {}
 
-    std::string family() const { return "ColorKey"; }
     template <class I, class Use> void call(const I& i, Use use) const {
         if constexpr (std::is_same_v<T, Zet8u>)
             if (composition >= 0) return this->two(i, use, constants.data(), static_cast<ZetAlphaType>(composition));
         layout.channels == 1 ? this->two(i, use, constants[0]) : this->two(i, use, constants.data());
     }
     void pixel(const T* a, const T* b, T* d, ZetStatus&) const {
-        T result[4];
         const bool matches = std::equal(a, a + layout.colours, constants.begin());
         for (int c = 0; c < layout.channels; ++c)
-            result[c] = matches ? b[c] : composition >= 0 ? composed(composition, c == 3, a[c], a[3], b[c], b[3]) : a[c];
-        std::copy_n(result, layout.channels, d);
+            d[c] = matches ? b[c] : composition >= 0 ? composed(composition, c == 3, a[c], a[3], b[c], b[3]) : a[c];
     }
     // Samples of 0 and 1 match now and then. Every fifth time none does, and the result is the first source.
     void prepare(Random& r, Image<T>& a, Image<T>& b) {
@@ -36,8 +33,10 @@ template <class T> struct Key : Elementwise<T> {
                 image->set(y, i, static_cast<T>(mayMatch && image == &a && !r.chance(9) ? r.chance(4) : other));
             }
     }
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr, zetStsAlphaTypeErr}; }
-    std::vector<int> unknown() const { return {6, 11, 12, -1, INT_MIN}; }
+    void order(Faults& faults, const Arguments& call) const {
+        faults.null(call).size(call).step(call);
+        if (composition >= 0) faults.add(zetStsAlphaTypeErr, call.back().as<int>(), {6, 11, 12, -1, INT_MIN});
+    }
 };
 
 constexpr auto each_member = [](auto use) {
@@ -46,7 +45,7 @@ constexpr auto each_member = [](auto use) {
 };
 
 TEST(ColorKey, EveryMemberAtEveryWidth) { sweep(each_member); }
-TEST(ColorKey, OrderOfChecks) { check_order(each_member); }
+TEST(ColorKey, OrderOfChecks) { check_orders(each_member); }
 TEST(ColorKey, OverlappingRows) { check_overlap(each_member); }
 
 } // namespace

@@ -32,11 +32,10 @@ TEST(Threads, ForkFromTheirBounds) {
         f.constants.fill(f.op == Op::Add ? T{} : number<T>(4));
         const auto asks = [&](int width, int height, int s) {
             const int step = channels * width * static_cast<int>(sizeof(T));
-            standin_set_threads(1);
+            standin.threads = 1, standin.thread_queries = 0;
             f.s = s;
-            f.call(Operands<const T*, T*>{image.data(), step, image.data(), step, image.data(), step, {width, height}},
-                   [&](auto... x) { call_member(f.name(), x...); });
-            return standin_thread_queries() > 0;
+            run(f, Operands<const T*, T*>{image.data(), step, image.data(), step, image.data(), step, {width, height}});
+            return standin.thread_queries > 0;
         };
         const struct { int s, bound; } paths[] = {{0, from.unscaled}, {1, from.half}, {2, from.down}, {7, from.down}, {-1, 0}, {-40, 0}};
         for (const auto& path : paths) {
@@ -52,11 +51,11 @@ TEST(Threads, ForkFromTheirBounds) {
         EXPECT_EQ(asks(300, 100, 3), f.forks()) << f.name();
         EXPECT_FALSE(!is_float<T> && asks(300, 100, 70)) << f.name() << ": a region of zeros is filled serially";
     });
-    standin_reset();
+    standin.reset();
 }
 
 TEST(Threads, CallsFromAParallelRegionOfTheCaller) {
-    standin_set_threads(3);
+    standin.threads = 3;
     for (const int levels : {1, 2}) {
         omp_set_max_active_levels(levels);
 #pragma omp parallel for num_threads(3) schedule(static, 1)
@@ -69,7 +68,7 @@ TEST(Threads, CallsFromAParallelRegionOfTheCaller) {
         }
     }
     omp_set_max_active_levels(1);
-    standin_reset();
+    standin.reset();
 }
 
 } // namespace

@@ -23,6 +23,6 @@ constexpr auto each_member = [](auto use) {
 };
 
 TEST(Every, EveryMemberAtEveryWidth) { sweep(each_member); }
-TEST(Every, OrderOfChecks) { check_order(each_member); }
+TEST(Every, OrderOfChecks) { check_orders(each_member); }
 
 } // namespace

@@ -16,7 +16,7 @@ TEST(Extrema, StopAtTheLimit) {
         for (const int width : {2, 3, 8, 16, 33, 200}) {
             if (norm && width < 8) continue;
             Samples image(m.type, width, 2, n, width * n * bytes_of(m.type));
-            for (int i = 0; i < 2 * image.row; ++i) image.put(i / image.row, i % image.row, 50);
+            for (const auto [y, i] : image.samples()) image.put(y, i, 50);
             for (int c = 0; c < m.layout.colours; ++c) { // the last channel in the second row alone
                 if (m.has("Min")) image.put(c == m.layout.colours - 1, c, lowest(m.type));
                 if (m.has("Max")) image.put(c == m.layout.colours - 1, (width - 1) * n + c, highest(m.type));
