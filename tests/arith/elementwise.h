@@ -110,30 +110,24 @@ template <class F, class T, class R>
 bool verify(const F& f, const Image<T>& first, const Image<T>& second, Image<R>& d, unsigned state = plain_state) {
     const PixelLayout &in = f.layout, &out = F::masks ? pixel_layouts[0] : in;
     const int height = in.planar() ? d.height / 4 : d.height;
-    ZetStatus expected = zetStsNoErr; // that of the first row which warns
+    constexpr bool by_sample = requires(ZetStatus & status) { f.sample(T{}, T{}, 0, status); };
+    const int together = by_sample || !f.mixes() ? 1 : 4; // channels
+    ZetStatus expected = zetStsNoErr;                     // that of the first row which warns
     for (int y = 0; y < height; ++y) {
         ZetStatus warning = zetStsNoErr;
         for (int x = 0; x < d.width; ++x) {
-            const auto place = [&](const PixelLayout& l, int c) { // row and sample of a channel
-                return l.planar() ? std::pair{c * height + y, x} : std::pair{y, x * l.channels + c};
-            };
-            if constexpr (requires(ZetStatus & status) { f.sample(T{}, T{}, 0, status); }) {
-                for (int c = 0; c < in.colours; ++c) {
-                    const auto [row, i] = place(in, c);
-                    d.expect(row, i, f.sample(first.expected(row, i), second.expected(row, i), c, warning));
-                }
-            } else {
-                for (int part = 0; part < (f.mixes() ? 1 : in.channels); ++part) {
-                    T a[4], b[4];
-                    R result[4];
-                    const auto each = [&](const PixelLayout& l, auto use) {
-                        for (int c = 0; c < l.channels; ++c) use(c, place(l, c).first, place(l, c).second);
-                    };
-                    each(in, [&](int c, int row, int i) { a[c] = first.expected(row, i), b[c] = second.expected(row, i); });
-                    each(out, [&](int c, int row, int i) { result[c] = d.expected(row, i); });
-                    f.pixel(a, b, result, warning);
-                    each(out, [&](int c, int row, int i) { f.mixes() || c == part ? d.expect(row, i, result[c]) : void(); });
-                }
+            for (int part = 0; part < in.channels; part += together) {
+                T a[4] = {}, b[4] = {};
+                R result[4] = {};
+                const auto each = [&](const PixelLayout& l, auto use) { // channel, row, sample
+                    for (int c = part; c < std::min(part + together, l.channels); ++c)
+                        l.planar() ? use(c, c * height + y, x) : use(c, y, x * l.channels + c);
+                };
+                each(in, [&](int c, int row, int i) { a[c] = first.expected(row, i), b[c] = second.expected(row, i); });
+                each(out, [&](int c, int row, int i) { result[c] = d.expected(row, i); });
+                if constexpr (!by_sample) f.pixel(a, b, result, warning);
+                else if (part < in.colours) result[part] = f.sample(a[part], b[part], part, warning);
+                each(out, [&](int c, int row, int i) { d.expect(row, i, result[c]); });
             }
         }
         if (expected == zetStsNoErr) expected = warning;

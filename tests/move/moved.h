@@ -11,6 +11,14 @@ namespace test {
 
 constexpr Type moved_types[] = {Type::u8, Type::u16, Type::s16, Type::s32, Type::f32};
 
+template <class Layout> struct MovedMember {
+    std::string family;
+    Type type;
+    Layout layout;
+    bool inPlace;
+    std::string name() const { return "zeti" + family + "_" + token(type) + "_" + layout.name + (inPlace ? "IR" : "R"); }
+};
+
 // Where a sample comes from. A negative channel: it stays as it is; a negative row: the constant of the channel.
 struct Origin {
     int y, x, c;

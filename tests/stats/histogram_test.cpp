@@ -81,16 +81,14 @@ TEST(HistogramRange, EveryMemberAtEveryWidth) {
 }
 
 // On either side of every break-even: pixels of a square, or one less, and a limit of levels.
-struct BreakEven {
-    int side, levels;
-};
+using BreakEven = std::pair<int, int>;
 constexpr BreakEven ascending[] = {{80, 134}, {96, 78}, {112, 50}, {128, 34}, {144, 22}, {160, 6}, {192, 2}};
 constexpr BreakEven unsorted[] = {{32, 434}, {48, 222}, {64, 126}, {80, 78}, {96, 50}, {112, 34},
                                   {128, 22}, {144, 14}, {160, 10}, {176, 6}, {208, 2}};
 
 template <class T, std::size_t N> void check_break_even(const BreakEven (&table)[N], bool sorted) {
     for (std::size_t i = 0; i < 4 * N; ++i) { // pixels: (side - 1) (side + 1) is one less than the square
-        const int row = static_cast<int>(i / 4), less = i / 2 % 2, side = table[row].side, n = std::max<int>(2, table[row].levels + i % 2);
+        const int row = static_cast<int>(i / 4), less = i / 2 % 2, side = table[row].first, n = std::max<int>(2, table[row].second + i % 2);
         const PixelLayout& l = pixel_layouts[row == 0 || row + 1 == N ? 1 : 0];
         Histogram<T> h(false, l);
         Random r(h.name + std::to_string(side));
@@ -103,7 +101,7 @@ template <class T, std::size_t N> void check_break_even(const BreakEven (&table)
         fill(r, image, levels);
         standin.reset();
         h.expect_counts(image);
-        const int limit = less == 0 ? table[row].levels : row == 0 ? INT_MAX : table[row - 1].levels;
+        const int limit = less == 0 ? table[row].second : row == 0 ? INT_MAX : table[row - 1].second;
         const bool direct = (sorted || n > 2) && n > limit; // of two levels swapped twice nothing is left
         EXPECT_EQ(standin.allocations, direct) << h.name << ", " << side * side - less << " pixels, " << n << " levels";
         EXPECT_EQ(standin.last_bytes, direct ? 4 * 65536 : 0);

@@ -257,21 +257,10 @@ TEST(MomentGetters, StatusesAndOrders) { check_statuses<Zet64f>(), check_statuse
 TEST(MomentGetters, LargeIntegers) {
     const Block<Zet64s> block;
     block.put({34, 0, 1, 0, {{LLONG_MAX, LLONG_MIN}}});
-    const struct {
-        int n, x, scale;
-        Zet64s expected;
-    } cases[] = {{0, 0, 0, LLONG_MAX},
-                 {1, 0, 0, LLONG_MIN},
-                 {1, 1, 0, -1},
-                 {1, 3, 0, LLONG_MAX},
-                 {1, -1, 0, LLONG_MIN},
-                 {1, INT_MIN, 31, LLONG_MIN},
-                 {0, 0, 62, 1},
-                 {1, 0, 62, -2},
-                 {1, 0, 64, 0},
-                 {0, 0, INT_MAX, 0},
-                 {0, 0, INT_MIN, LLONG_MAX},
-                 {1, 0, INT_MIN, LLONG_MIN}};
+    constexpr Zet64s most = LLONG_MAX, least = LLONG_MIN;
+    const std::tuple<int, int, int, Zet64s> cases[] = {
+        {0, 0, 0, most}, {1, 0, 0, least}, {1, 1, 0, -1}, {1, 3, 0, most},    {1, -1, 0, least},     {1, INT_MIN, 31, least},
+        {0, 0, 62, 1},   {1, 0, 62, -2},   {1, 0, 64, 0}, {0, 0, INT_MAX, 0}, {0, 0, INT_MIN, most}, {1, 0, INT_MIN, least}};
     for (const auto& [n, x, scale, expected] : cases)
         EXPECT_EQ((Get<Zet64s>{block.state(), 0, n, 0, {x, 0}, scale}.value(spatial)), expected) << n << ' ' << x << ' ' << scale;
 }

@@ -72,13 +72,16 @@ private:
 
 // The order of the checks of a call: list(faults, arguments) says it.
 template <class Call, class List, class Intact> void check_order(Call call, List list, Intact intact) {
+    int calls = 0;
     on_call = [&](const std::string& name, const Arguments& arguments, const auto& again) {
+        ++calls;
         Faults faults;
         list(faults, arguments);
         faults.expect_order(name, again, intact);
     };
     call();
     on_call = nullptr;
+    EXPECT_EQ(calls, 1) << "nothing was checked";
 }
 
 } // namespace test
