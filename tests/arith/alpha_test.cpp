@@ -1,10 +1,53 @@
 // SPDX-License-Identifier: Apache-2.0
-// AlphaComp, AlphaCompC, AlphaPremul, AlphaPremulC.
-#include "tests/arith/composition.h"
+// AlphaComp, AlphaCompC, AlphaPremul, AlphaPremulC; CompColorKey and AlphaCompColorKey.
+#include "tests/arith/elementwise.h"
 
 using namespace test;
 
 namespace {
+
+// --- Composition under alpha as plainly as it can be said, one sample at a time ------------------------------------
+
+template <class T> constexpr T full = std::is_floating_point_v<T> ? T(1) : std::numeric_limits<T>::max();
+
+template <class T> T clamped(std::int64_t v) {
+    return static_cast<T>(std::clamp<std::int64_t>(v, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
+}
+
+template <class T> T product(T a, T b) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return a * b;
+    } else {
+        const auto magnitude = [](std::int64_t v) { return static_cast<std::uint64_t>(v < 0 ? -v : v); };
+        constexpr int n = std::numeric_limits<T>::digits;
+        const std::uint64_t t = magnitude(a) * magnitude(b);
+        const auto quotient = static_cast<std::int64_t>((t + 1 + (t >> n)) >> n);
+        return clamped<T>((a < 0) != (b < 0) ? -quotient : quotient);
+    }
+}
+template <class T> T sum(T a, T b) {
+    if constexpr (std::is_floating_point_v<T>) return a + b;
+    else return clamped<T>(std::int64_t{a} + b);
+}
+template <class T> T rest(T alpha) {
+    if constexpr (std::is_floating_point_v<T>) return 1 - alpha;
+    else return clamped<T>(std::int64_t{full<T>} - alpha);
+}
+
+// One sample of the result; alpha itself is never premultiplied.
+template <class T> T composed(int type, bool isAlpha, T a, T alphaA, T b, T alphaB) {
+    if (type < zetAlphaOverPremul && !isAlpha) a = product(a, alphaA), b = product(b, alphaB);
+    switch (type % 6) {
+    case zetAlphaOver: return sum(a, product(b, rest(alphaA)));
+    case zetAlphaIn: return product(a, alphaB);
+    case zetAlphaOut: return product(a, rest(alphaB));
+    case zetAlphaATop: return sum(product(a, alphaB), product(b, rest(alphaA)));
+    case zetAlphaXor: return sum(product(a, rest(alphaB)), product(b, rest(alphaA)));
+    default: return sum(a, b);
+    }
+}
+
+// --- Alpha ----------------------------------------------------------------------------------------------------------
 
 constexpr const PixelLayout &C1 = pixel_layouts[0], &C3 = pixel_layouts[1], &C4 = pixel_layouts[2], &AC4 = pixel_layouts[3];
 constexpr PixelLayout AC1{"AC1", 2, 1}, AP4{"AP4", 4, 3};
@@ -19,10 +62,6 @@ template <class T> struct Alpha : Elementwise<T> {
         : Elementwise<T>{operation, l, isInPlace, operation.ends_with("C")}, composes(operation.starts_with("AlphaComp")),
           composition(alphaType) {}
 
-    std::string family() const { return "Alpha"; }
-    std::string parameters() const {
-        return "type " + std::to_string(composition) + ", constants " + text(constants[0]) + ' ' + text(constants[1]);
-    }
     bool checks_steps() const { return false; }
 
     template <class I, class Use> void call(const I& i, Use use) const {
@@ -31,24 +70,22 @@ template <class T> struct Alpha : Elementwise<T> {
         else if (composes) this->two(i, use, t);
         else if constexpr (planes) constant ? this->with_value(constants[0], i, use) : this->one(i, use);
     }
+    int alpha() const { return layout.colours == layout.channels ? -1 : layout.colours; } // where it is
+    bool mixes() const { return alpha() >= 0 && (composes || !constant); }
     void pixel(const T* a, const T* b, T* d, ZetStatus&) const {
-        const int last = layout.colours == layout.channels ? -1 : layout.colours; // where alpha is
-        const bool mixes = last >= 0 && (composes || !constant);
+        const int last = alpha();
         const auto faded = [&](const T* p, int i, T by) {
             return i == last || composition >= zetAlphaOverPremul ? product(p[i], by) : p[i];
         };
-        T pixel[4];
-        T* const result = mixes ? pixel : d; // channels that do not mix are computed one after the other
         for (int c = 0; c < layout.channels; ++c) {
-            if (!composes && c == last) result[c] = constant ? d[c] : b[c];
-            else if (!composes) result[c] = product(b[c], constant ? constants[0] : b[last]);
-            else if (last < 0) result[c] = composed(composition, false, a[c], constants[0], b[c], constants[1]);
-            else if (!constant) result[c] = composed(composition, c == last, a[c], a[last], b[c], b[last]);
+            if (!composes && c == last) d[c] = constant ? d[c] : b[c];
+            else if (!composes) d[c] = product(b[c], constant ? constants[0] : b[last]);
+            else if (last < 0) d[c] = composed(composition, false, a[c], constants[0], b[c], constants[1]);
+            else if (!constant) d[c] = composed(composition, c == last, a[c], a[last], b[c], b[last]);
             else
-                result[c] = composed(composition, c == last, faded(a, c, constants[0]), product(a[last], constants[0]),
-                                     faded(b, c, constants[1]), product(b[last], constants[1]));
+                d[c] = composed(composition, c == last, faded(a, c, constants[0]), product(a[last], constants[0]),
+                                faded(b, c, constants[1]), product(b[last], constants[1]));
         }
-        if (mixes) std::copy_n(pixel, layout.channels, d);
     }
     void prepare(Random& r, Image<T>& a, Image<T>& b) { // alpha of mattes, floats of a photograph
         const auto fraction = [&] { return static_cast<T>(r.between(0, 999)) / 999; };
@@ -62,8 +99,10 @@ template <class T> struct Alpha : Elementwise<T> {
             }
     }
 
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsAlphaTypeErr}; }
-    std::vector<int> unknown() const { return {12, INT_MAX, -1, INT_MIN}; }
+    void order(Faults& faults, const Arguments& call) const {
+        faults.null(call).size(call);
+        if (composes) faults.add(zetStsAlphaTypeErr, call.back().as<int>(), {12, INT_MAX, -1, INT_MIN});
+    }
 };
 
 constexpr auto each_member = [](auto use) {
@@ -86,7 +125,7 @@ constexpr auto each_member = [](auto use) {
 };
 
 TEST(Alpha, EveryMemberAndOperatorAtEveryWidth) { sweep(each_member); }
-TEST(Alpha, OrderOfChecks) { check_order(each_member); }
+TEST(Alpha, OrderOfChecks) { check_orders(each_member); }
 TEST(Alpha, OverlappingRows) { check_overlap(each_member); }
 TEST(Alpha, LargeDestination) { check_large(Alpha<Zet8u>("AlphaPremul", AC4)); } // a pixel never leaves in two parts
 
@@ -103,5 +142,49 @@ TEST(Alpha, EveryPairOf8u) {
     ASSERT_TRUE(verify(Alpha<Zet8u>("AlphaPremul", AC4), b, a, d));
     ASSERT_TRUE(check_pairs(Alpha<Zet8u>("AlphaPremulC", C1), all_values<Zet8u>(), all_values<Zet8u>()));
 }
+
+// --- Colour keys ----------------------------------------------------------------------------------------------------
+
+template <class T> struct Key : Elementwise<T> {
+    using Elementwise<T>::layout, Elementwise<T>::constants;
+    int composition; // of composition, -1 for none
+
+    Key(const PixelLayout& l, int alphaType = -1)
+        : Elementwise<T>{alphaType < 0 ? "CompColorKey" : "AlphaCompColorKey", l}, composition(alphaType) {}
+
+    template <class I, class Use> void call(const I& i, Use use) const {
+        if constexpr (std::is_same_v<T, Zet8u>)
+            if (composition >= 0) return this->two(i, use, constants.data(), static_cast<ZetAlphaType>(composition));
+        layout.channels == 1 ? this->two(i, use, constants[0]) : this->two(i, use, constants.data());
+    }
+    void pixel(const T* a, const T* b, T* d, ZetStatus&) const {
+        const bool matches = std::equal(a, a + layout.colours, constants.begin());
+        for (int c = 0; c < layout.channels; ++c)
+            d[c] = matches ? b[c] : composition >= 0 ? composed(composition, c == 3, a[c], a[3], b[c], b[3]) : a[c];
+    }
+    // Samples of 0 and 1 match now and then. Every fifth time none does, and the result is the first source.
+    void prepare(Random& r, Image<T>& a, Image<T>& b) {
+        for (T& key : constants) key = static_cast<T>(r.chance(4));
+        const bool mayMatch = !r.chance(5);
+        for (Image<T>* image : {&b, &a})
+            for (const auto [y, i] : image->samples()) {
+                const int other = r.between(2, 252);
+                image->set(y, i, static_cast<T>(mayMatch && image == &a && !r.chance(9) ? r.chance(4) : other));
+            }
+    }
+    void order(Faults& faults, const Arguments& call) const {
+        faults.null(call).size(call).step(call);
+        if (composition >= 0) faults.add(zetStsAlphaTypeErr, call.back().as<int>(), {6, 11, 12, -1, INT_MIN});
+    }
+};
+
+constexpr auto each_key = [](auto use) {
+    for (const int l : {0, 1, 2}) use(Key<Zet8u>(pixel_layouts[l])), use(Key<Zet16u>(pixel_layouts[l])), use(Key<Zet16s>(pixel_layouts[l]));
+    for (int type = 0; type < 6; ++type) use(Key<Zet8u>(pixel_layouts[3], type));
+};
+
+TEST(ColorKey, EveryMemberAtEveryWidth) { sweep(each_key); }
+TEST(ColorKey, OrderOfChecks) { check_orders(each_key); }
+TEST(ColorKey, OverlappingRows) { check_overlap(each_key); }
 
 } // namespace

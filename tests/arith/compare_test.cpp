@@ -13,7 +13,6 @@ template <class T> struct Comparison : Elementwise<T> {
     bool tolerant = false;
     Zet32f eps = 0;
 
-    std::string parameters() const { return "operator " + std::to_string(op) + ", eps " + text(eps); }
     bool known() const { return op >= 0 && op <= 4; }
     bool holds(T a, T b) const {
         if (tolerant) return std::fabs(static_cast<Zet32f>(a - b)) <= eps;
@@ -38,12 +37,9 @@ template <class T> struct Comparison : Elementwise<T> {
             if (i % channels < this->layout.colours && r.between(0, 99) < alike)
                 b.set(y, i, this->constant ? this->constants[i % channels] : a.at(y, i));
     }
-    std::vector<ZetStatus> order() const { // of an unknown operator nobody is told
-        return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr, tolerant ? zetStsEpsValErr : zetStsNoErr};
-    }
-    std::vector<int> unknown() const { return {-1, 5}; }
-    void own_faults(Faults& faults, ZetStatus status, Zet32f& v, int behind) const {
-        if (status == zetStsEpsValErr && behind == 0) faults.add(status, v, {-1e-45f, -1.0f, -INFINITY});
+    void order(Faults& faults, const Arguments& call) const { // of an unknown operator nobody is told
+        faults.null(call).step(call).size(call);
+        if (tolerant) faults.add(zetStsEpsValErr, call.back().as<Zet32f>(), {-1e-45f, -1.0f, -INFINITY});
     }
 };
 
@@ -60,7 +56,7 @@ constexpr auto each_member = [](auto use) {
 };
 
 TEST(Compare, EveryMemberAtEveryWidth) { sweep(each_member); }
-TEST(Compare, OrderOfChecks) { check_order(each_member); }
+TEST(Compare, OrderOfChecks) { check_orders(each_member); }
 TEST(Compare, LargeDestinations) { check_large(Comparison<Zet16s>{{"CompareC", pixel_layouts[1], false, true}, zetCmpGreaterEq}); }
 
 } // namespace

@@ -5,21 +5,15 @@
 //     call(images, use)              hands the arguments of one call to `use`, mostly through one(), two() or two_or_constants()
 //     sample(a, b, c, warning)       the rule for one sample of channel c; or, where channels mix,
 //     pixel(a, b, d, warning)        the rule for one pixel, d being what the destination holds
-//     order()                        the statuses of its checks, the first checked first
-//     own_faults(faults, status, argument, behind)   what else may be wrong with an argument that has so many others behind it
+//     order(faults, arguments)       what may be wrong with a call, the first checked first
 // and what it does otherwise than the base says. b is the image in place, and of one operand or a constant the only one.
 #pragma once
 
 #include <array>
-#include <map>
-#include <tuple>
 
-#include "tests/support/checksum.h"
 #include "tests/support/faults.h"
-#include "tests/support/float_state.h"
 #include "tests/support/image.h"
 #include "tests/support/layouts.h"
-#include "tests/support/member.h"
 #include "tests/support/zetcore_standin.h"
 
 namespace test {
@@ -49,16 +43,14 @@ template <class T> struct Elementwise {
     int s = 0;
     std::array<T, 4> constants{};
 
-    std::string family() const { return operation; }
     std::string name() const {
         return "zeti" + operation + "_" + token<T>() + "_" + layout.name + (inPlace ? "IR" : "R") + (scales ? "Sfs" : "");
     }
-    std::string parameters() const { return "scale " + std::to_string(s) + ", constants from " + text(constants[0]); }
     bool checks_steps() const { return true; }
     bool forks() const { return false; }
+    bool mixes() const { return true; } // the channels of a pixel(), which otherwise are computed one after the other
     bool exact() const { return true; } // else within 2^-21 of a finite result
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr}; }
-    std::vector<int> unknown() const { return {}; } // operators, types or modes that are none
+    void order(Faults& faults, const Arguments& call) const { faults.null(call).size(call).step(call); }
     void prepare(Random& r, Image<T>&, Image<T>&) {
         for (T& c : constants) c = r.sample<T>(Random::mixed, 0);
     }
@@ -92,82 +84,72 @@ template <class T, class Bad> void appease(Random& r, Image<T>& image, const Pix
 
 // --- One call -----------------------------------------------------------------------------------------------------
 
-template <class F, class T, class R, class Use>
-void with_operands(const F& f, const Image<T>& a, const Image<T>& b, const Image<R>& d, Use use) {
-    const int height = f.layout.planar() ? d.height / 4 : d.height;
-    const auto with = [&](auto pa, auto pb, auto pd) {
-        use(Operands<decltype(pa), decltype(pd)>{pa, a.step, pb, b.step, pd, d.step, {d.width, height}});
-    };
+template <class F, class P, class D> ZetStatus run(const F& f, const Operands<P, D>& operands) {
+    ZetStatus status{};
+    f.call(operands, [&](auto... arguments) { status = call_member(f.name(), arguments...); });
+    return status;
+}
+
+template <class F, class T, class R> ZetStatus run(const F& f, const Image<T>& a, const Image<T>& b, const Image<R>& d) {
     if constexpr (F::planes)
         if (f.layout.planar()) {
-            std::array<const T*, 4> planesOfA, planesOfB;
-            std::array<R*, 4> planesOfD;
-            const auto plane = [&](const auto& image, int c) {
-                return reinterpret_cast<T*>(reinterpret_cast<char*>(image.data()) + std::ptrdiff_t{c} * height * image.step);
+            const int height = d.height / 4;
+            const auto planes = [&](const auto& image) {
+                return std::array{image.row(0), image.row(height), image.row(2 * height), image.row(3 * height)};
             };
-            for (int c = 0; c < 4; ++c) planesOfA[c] = plane(a, c), planesOfB[c] = plane(b, c), planesOfD[c] = plane(d, c);
-            const T *const *const pa = planesOfA.data(), *const *const pb = planesOfB.data();
-            R* const* const pd = planesOfD.data();
-            return with(pa, pb, pd);
+            auto ofA = planes(a), ofB = planes(b), ofD = planes(d);
+            return run(f,
+                       Operands<const T* const*, R* const*>{ofA.data(), a.step, ofB.data(), b.step, ofD.data(), d.step, {d.width, height}});
         }
-    const T *const pa = a.data(), *const pb = b.data();
-    with(pa, pb, d.data());
+    return run(f, Operands<const T*, R*>{a.data(), a.step, b.data(), b.step, d.data(), d.step, {d.width, d.height}});
 }
 
-// Samples are computed one after the other, each when those before it are written.
-template <class F, class T, class R> void compute(const F& f, const T* a, const T* b, R* d, ZetStatus& warning) {
-    if constexpr (requires { f.pixel(a, b, d, warning); }) f.pixel(a, b, d, warning);
-    else
-        for (int c = 0; c < f.layout.colours; ++c) d[c] = f.sample(a[c], b[c], c, warning);
-}
-
-// Calls f and compares everything with the rule. False after a failure.
+// Calls f and compares everything with the rule. The images may overlap: samples are computed one after the other, each when those before
+// it are written. False after a failure.
 template <class F, class T, class R>
-bool verify(const F& f, const Image<T>& first, const Image<T>& second, Image<R>& d, unsigned state = plain_state, Checksum* sum = nullptr) {
+bool verify(const F& f, const Image<T>& first, const Image<T>& second, Image<R>& d, unsigned state = plain_state) {
     const PixelLayout &in = f.layout, &out = F::masks ? pixel_layouts[0] : in;
     const int height = in.planar() ? d.height / 4 : d.height;
-    ZetStatus expected = zetStsNoErr; // that of the first row which warns
+    constexpr bool by_sample = requires(ZetStatus & status) { f.sample(T{}, T{}, 0, status); };
+    const int together = by_sample || !f.mixes() ? 1 : 4; // channels
+    ZetStatus expected = zetStsNoErr;                     // that of the first row which warns
     for (int y = 0; y < height; ++y) {
         ZetStatus warning = zetStsNoErr;
         for (int x = 0; x < d.width; ++x) {
-            T a[4], b[4];
-            R result[4];
-            const auto each = [&](const PixelLayout& l, auto use) { // channel, row, sample
-                for (int c = 0; c < l.channels; ++c) l.planar() ? use(c, c * height + y, x) : use(c, y, x * l.channels + c);
-            };
-            each(in, [&](int c, int row, int i) { a[c] = first.at(row, i), b[c] = second.at(row, i); });
-            each(out, [&](int c, int row, int i) { result[c] = d.at(row, i); });
-            compute(f, a, b, result, warning);
-            each(out, [&](int c, int row, int i) { d.expect(row, i, result[c]); });
+            for (int part = 0; part < in.channels; part += together) {
+                T a[4] = {}, b[4] = {};
+                R result[4] = {};
+                const auto each = [&](const PixelLayout& l, auto use) { // channel, row, sample
+                    for (int c = part; c < std::min(part + together, l.channels); ++c)
+                        l.planar() ? use(c, c * height + y, x) : use(c, y, x * l.channels + c);
+                };
+                each(in, [&](int c, int row, int i) { a[c] = first.expected(row, i), b[c] = second.expected(row, i); });
+                each(out, [&](int c, int row, int i) { result[c] = d.expected(row, i); });
+                if constexpr (!by_sample) f.pixel(a, b, result, warning);
+                else if (part < in.colours) result[part] = f.sample(a[part], b[part], part, warning);
+                each(out, [&](int c, int row, int i) { d.expect(row, i, result[c]); });
+            }
         }
         if (expected == zetStsNoErr) expected = warning;
     }
 
-    const auto failures = [] { return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count(); };
-    const int before = failures(), asked = standin_thread_queries();
-    ZetStatus status = zetStsNoErr;
-    with_operands(f, first, second, d, [&](const auto& operands) {
-        f.call(operands, [&](auto... a) { status = under_state(state, [&] { return call_member(f.name(), a...); }); });
-    });
-
-    if (sum && f.exact()) sum->add(status), sum->add(d);
+    const int asked = standin.thread_queries;
+    const ZetStatus status = under_state(state, [&] { return run(f, first, second, d); });
     const auto close = [&](R got, R want) {
         if constexpr (std::is_same_v<R, Zet32f>)
             if (!f.exact() && std::isfinite(want)) return std::fabs(got - want) <= std::fabs(want) * 0x1p-21f;
         return same(got, want);
     };
-    const void* const written = &d;
-    const std::string told = f.name() + ", " + f.parameters();
-    EXPECT_TRUE(d.intact(close)) << told;
-    EXPECT_EQ(status, expected) << told;
-    EXPECT_TRUE((&first == written || first.intact()) && (&second == written || second.intact())) << told << ": writes to a source";
-    EXPECT_TRUE(f.forks() || standin_thread_queries() == asked) << told << ": asks for threads";
-    return failures() == before;
+    const auto whole = [&](const auto& image) { return image.memory() == d.memory() || image.intact(); };
+    const bool good =
+        d.intact(close) && whole(first) && whole(second) && status == expected && (f.forks() || standin.thread_queries == asked);
+    EXPECT_TRUE(good) << f.name() << " by " << f.s << " gives " << status << ", not " << expected << "; " << d.intact(close).message();
+    return good;
 }
 
 // A call on random images in any of the ways that members must bear: the destination is a source, rows have gaps, go upwards or
 // are all the same, the caller rounds otherwise, takes denormals for zeros or traps.
-template <class F> bool check(F& f, Random& r, int width, int height, Checksum* sum = nullptr) {
+template <class F> bool check(F& f, Random& r, int width, int height) {
     using T = typename F::type;
     using R = typename F::Result;
     const bool planar = f.layout.planar(), gaps = !r.chance(4), anyStep = !f.checks_steps() && gaps;
@@ -184,20 +166,19 @@ template <class F> bool check(F& f, Random& r, int width, int height, Checksum* 
     }
     f.prepare(r, *first, *second);
     const unsigned state = r.chance(2) ? plain_state : odd_states[r.between(0, 7)];
-    return verify(f, *first, *second, d, state, sum);
+    return verify(f, *first, *second, d, state);
 }
 
 // --- Sweeps over the members of a family, which each_member(use) enumerates ---------------------------------------
 
 // Every width and every scale factor, on any number of threads.
 template <class Members> void sweep(Members each_member) {
-    std::map<std::string, Checksum> sums;
     each_member([&](auto f) {
         Random r(f.name());
         const auto good = [&](int width, int s) {
             f.s = s;
-            standin_set_threads(r.pick({1, 1, 1, 1, 2, 3, 7, 16, 0, -1}));
-            return check(f, r, width, r.between(1, 4), &sums[f.family()]);
+            standin.threads = r.pick({1, 1, 1, 1, 2, 3, 7, 16, 0, -1});
+            return check(f, r, width, r.between(1, 4));
         };
         for (int s = -40; f.scales && s <= 70; ++s)
             if (!good(r.between(1, 40), s)) return;
@@ -209,66 +190,21 @@ template <class Members> void sweep(Members each_member) {
             for (const int s : {0, 1, 4, -2, -50})
                 if ((f.scales || s >= 0) && !good(width, s)) return;
     });
-    for (const auto& [family, sum] : sums) EXPECT_TRUE(sum.is_known(family));
-    standin_reset();
+    standin.reset();
 }
 
-// The faults of a status among the arguments of a call: null pointers, those of planes too; steps, which stand behind pointers; both sides
-// of a size, or one of them where the other has its own place; values of an enumeration that are none.
-template <std::size_t I = 0, class F, class... A>
-void add_faults(F& f, Faults& faults, ZetStatus status, bool width, bool height, std::tuple<A...>& call) {
-    if constexpr (I < sizeof...(A)) {
-        auto& argument = std::get<I>(call);
-        using This = std::tuple_element_t<I, std::tuple<A...>>;
-        using Before = std::tuple_element_t<I == 0 ? 0 : I - 1, std::tuple<A...>>;
-        using Pointee = std::remove_const_t<std::remove_pointer_t<This>>;
-        if constexpr (std::is_pointer_v<This>) {
-            if (status == zetStsNullPtrErr) faults.null(argument);
-            if constexpr (std::is_pointer_v<Pointee>)
-                for (int c = 0; status == zetStsNullPtrErr && c < 4; ++c) faults.null(const_cast<Pointee&>(argument[c]));
-        } else if constexpr (std::is_same_v<This, ZetiSize>) {
-            if (width) faults.side(argument.width);
-            if (height) faults.side(argument.height);
-        } else if constexpr (std::is_enum_v<This>) {
-            const bool others = status == zetStsNullPtrErr || status == zetStsSizeErr || status == zetStsStepErr;
-            for (int i = 0; !others && i < static_cast<int>(f.unknown().size()); ++i)
-                faults.add(status, argument, {static_cast<This>(f.unknown()[i])});
-        } else if constexpr (std::is_same_v<This, int> && std::is_pointer_v<Before>) {
-            if (status == zetStsStepErr) faults.step(argument);
-        }
-        constexpr int behind = sizeof...(A) - 1 - I;
-        if constexpr (requires { f.own_faults(faults, status, argument, behind); }) f.own_faults(faults, status, argument, behind);
-        add_faults<I + 1>(f, faults, status, width, height, call);
-    }
-}
-
-template <class Members> void check_order(Members each_member) {
+template <class Members> void check_orders(Members each_member) {
     each_member([](auto f) {
         Random r(f.name());
         const int rows = f.layout.planar() ? 8 : 2, channels = f.layout.planar() ? 1 : f.layout.channels;
         Image<typename decltype(f)::type> a(r, 3, rows, channels), b(r, 3, rows, channels);
         Image<typename decltype(f)::Result> d(r, 3, rows, f.masks ? 1 : channels);
         f.prepare(r, a, b);
-        const auto check = [&](auto... arguments) {
-            std::tuple call(arguments...);
-            Faults faults;
-            const auto order = f.order();
-            for (auto status = order.begin(); status != order.end(); ++status) {
-                const bool size = *status == zetStsSizeErr, first = std::find(order.begin(), status, *status) == status,
-                           last = std::find(status + 1, order.end(), *status) == order.end();
-                add_faults(f, faults, *status, size && first, size && last, call);
-            }
-            faults.expect_order(
-                f.name(),
-                [&] { // denormals are no zeros to a check
-                    return under_state(0x9FC0, [&] { return std::apply(member<ZetStatus(decltype(arguments)...)>(f.name()), call); });
-                },
-                [&] { return d.intact(); });
-        };
         for (const int s : {0, 17, -20}) {
             if (s != 0 && !f.scales) continue;
             f.s = s;
-            with_operands(f, a, b, d, [&](const auto& operands) { f.call(operands, check); });
+            check_order([&] { run(f, a, b, d); }, [&](Faults& faults, const Arguments& call) { f.order(faults, call); },
+                        [&] { return d.intact(); });
         }
     });
 }
@@ -279,28 +215,17 @@ template <class Members> void check_overlap(Members each_member) {
         using T = typename decltype(f)::type;
         if (f.layout.planar() || !f.exact()) return;
         Random r(f.name());
-        const int n = f.layout.channels;
         for (int shift = -20; shift <= 44; ++shift)
             for (const int width : {5, 13, 37})
                 for (const bool secondOverlaps : {false, true}) {
-                    Image<T> memory(600, 1, 1, 0);
+                    Image<T> memory(600, 1, 1, 1 << 20);
                     memory.fill(r, Random::mixed);
                     f.prepare(r, memory, memory);
                     f.s = r.pick({0, 1, 3, -1});
                     if (f.scales && f.s == 0) f.constants.fill(number<T>(7)); // by 0 and 1 it may be a copy, which is no sequence
-                    const int d = 100, near = d - shift, far = 300;
-                    const int a = secondOverlaps ? far : near, b = f.inPlace ? d : secondOverlaps ? near : far;
-                    std::vector<T> expected(600);
-                    for (int i = 0; i < 600; ++i) expected[i] = memory.at(0, i);
-                    ZetStatus warning = zetStsNoErr;
-                    for (int x = 0; x < width; ++x) compute(f, &expected[a + x * n], &expected[b + x * n], &expected[d + x * n], warning);
-                    for (int i = 0; i < 600; ++i) memory.expect(0, i, expected[i]);
-                    T* const p = memory.data();
-                    const Operands<const T*, T*> operands{p + a, 1 << 20, p + b, 1 << 20, p + d, 1 << 20, {width, 1}};
-                    f.call(operands, [&](auto... arguments) { call_member(f.name(), arguments...); });
-                    const testing::AssertionResult good = memory.intact();
-                    EXPECT_TRUE(good) << f.name() << ", width " << width << ", shifted by " << shift << ", " << f.parameters();
-                    if (!good) return;
+                    Image<T> d(memory, 100, width, f.layout.channels);
+                    const Image<T> near(memory, 100 - shift, width, f.layout.channels), far(memory, 300, width, f.layout.channels);
+                    if (!verify(f, secondOverlaps ? far : near, f.inPlace ? d : secondOverlaps ? near : far, d)) return;
                 }
     });
 }
@@ -326,16 +251,16 @@ template <class T> std::vector<T> all_values() {
 
 // From 16 MiB on rows are taken by pieces, and leave by streaming stores unless something stays in the destination.
 template <class F> void check_large(F f) {
+    using T = typename F::type;
+    using R = typename F::Result;
     Random r(f.name());
-    const int channels = f.layout.channels, pixelBytes = F::masks ? 1 : channels * static_cast<int>(sizeof(typename F::type));
-    const int height = 211, width = (16 << 20) / height / pixelBytes + 1;
-    Image<typename F::type> a(r, width, height, channels), b(r, width, height, channels);
-    Image<typename F::Result> d(r, width, height, F::masks ? 1 : channels, {1}, F::unit);
-    const Image<typename F::type>* second = &b;
-    if constexpr (!F::masks)
-        if (f.inPlace) second = &d;
+    const int channels = f.layout.channels, results = F::masks ? 1 : channels, height = 211,
+              width = (16 << 20) / height / (results * int{sizeof(R)}) + 1;
+    Image<T> a(r, width, height, channels), b(r, width, height, channels);
+    Image<R> d(r, width, height, results, {1}, F::unit);
     f.prepare(r, a, b);
-    verify(f, a, *second, d);
+    if constexpr (F::masks) verify(f, a, b, d);
+    else verify(f, a, f.inPlace ? d : b, d);
 }
 
 } // namespace test

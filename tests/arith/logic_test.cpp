@@ -16,10 +16,9 @@ template <class T> struct Plain : Elementwise<T> {
         this->two_or_constants(i, use);
     }
     T sample(T a, T b, int c, ZetStatus&) const { return rule(this->constant ? this->constants[c] : a, b); }
-    std::vector<ZetStatus> order() const {
-        if (sizeFirst && !this->constant && this->layout.channels > 1 && this->layout.channels == this->layout.colours)
-            return {zetStsSizeErr, zetStsNullPtrErr, zetStsStepErr};
-        return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr};
+    void order(Faults& faults, const Arguments& call) const {
+        const bool early = sizeFirst && !this->constant && this->layout.channels > 1 && this->layout.channels == this->layout.colours;
+        faults.size(call, early, early).null(call).step(call).size(call, !early, !early);
     }
 };
 
@@ -33,11 +32,6 @@ template <class T> struct Shift : Elementwise<T> {
     bool left;
     std::array<Zet32u, 4> counts{};
 
-    std::string parameters() const {
-        std::string s = "by";
-        for (int c = 0; c < this->layout.colours; ++c) s += ' ', s += text(counts[c]);
-        return s;
-    }
     void prepare(Random& r, Image<T>&, Image<T>&) { // counts that differ, that agree, that are all too large
         const Zet32u bits = 8 * sizeof(T), one = r.between(0, bits + 1);
         const int kind = r.between(0, 5);
@@ -54,7 +48,7 @@ template <class T> struct Shift : Elementwise<T> {
         for (Zet32u n = 0; n < counts[c] && n < 40; ++n) x = left ? static_cast<T>(static_cast<std::uint64_t>(x) * 2) : x >> 1;
         return static_cast<T>(x);
     }
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}; }
+    void order(Faults& faults, const Arguments& call) const { faults.null(call).step(call).size(call); }
 };
 
 // Negative numbers as sign and magnitude; the lowest, which has none, stays.
@@ -63,7 +57,7 @@ struct Complement : Elementwise<Zet32s> {
     Zet32s sample(Zet32s, Zet32s v, int, ZetStatus&) const {
         return v < 0 && v != INT_MIN ? static_cast<Zet32s>(0x80000000u - static_cast<std::uint32_t>(v)) : v;
     }
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsStepErr, zetStsSizeErr}; }
+    void order(Faults& faults, const Arguments& call) const { faults.null(call).step(call).size(call); }
 };
 
 template <class T> Shift<T> shift(bool left, const PixelLayout& l, bool inPlace = false) {
@@ -95,7 +89,7 @@ constexpr auto each_member = [](auto use) {
 };
 
 TEST(Logic, EveryMemberAtEveryWidth) { sweep(each_member); }
-TEST(Logic, OrderOfChecks) { check_order(each_member); }
+TEST(Logic, OrderOfChecks) { check_orders(each_member); }
 TEST(Logic, LargeDestination) { check_large(shift<Zet32s>(false, pixel_layouts[1])); }
 
 // Alone and as one of four counts that differ.

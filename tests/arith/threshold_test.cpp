@@ -13,10 +13,6 @@ template <class T> struct Thresholding : Elementwise<T> {
     bool below;       // is what counts as beyond the bound; else above
     bool hasOperator; // and is told so
     std::array<T, 4> low{}, lowValue{}, high{}, highValue{};
-    std::array<T, 4> crossed{}, uncrossed{};
-
-    std::string family() const { return "Threshold"; }
-    std::string parameters() const { return text(low[0]) + ", " + text(lowValue[0]) + ", " + text(high[0]) + ", " + text(highValue[0]); }
 
     void prepare(Random& r, Image<T>&, Image<T>&) {
         const bool equal = r.chance(3);
@@ -43,24 +39,17 @@ template <class T> struct Thresholding : Elementwise<T> {
         else with(low.data(), lowValue.data(), high.data(), highValue.data());
     }
 
-    std::vector<ZetStatus> order() const {
-        if (hasOperator && kind == bound_and_value) return {zetStsNotSupportedModeErr, zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr};
-        if (hasOperator) return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr, zetStsNotSupportedModeErr};
-        if (kind != two_of_both) return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr};
-        return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr, zetStsThresholdErr};
-    }
-    std::vector<int> unknown() const { return {-1, 1, 2, 3, 5, INT_MAX}; }
-    // Bounds that cross on one channel, be it by a denormal.
-    void own_faults(Faults& faults, ZetStatus status, T& v, int behind) {
-        if (status != zetStsThresholdErr || behind % 2 == 0) return;
-        v = is_float<T> ? static_cast<T>(1e-40f) : T(1);
-        if (behind == 1) faults.add(status, v, {T(0)});
-    }
-    void own_faults(Faults& faults, ZetStatus status, const T*& values, int behind) {
-        if (status != zetStsThresholdErr || (behind != 1 && behind != 3)) return;
-        uncrossed.fill(is_float<T> ? static_cast<T>(1e-40f) : T(1));
-        crossed = uncrossed, crossed[this->layout.colours - 1] = 0, values = uncrossed.data();
-        if (behind == 1) faults.add(status, values, {crossed.data()});
+    void order(Faults& faults, const Arguments& call) {
+        const auto operators = [&] { faults.add(zetStsNotSupportedModeErr, call.back().as<int>(), {-1, 1, 2, 3, 5, INT_MAX}); };
+        if (hasOperator && kind == bound_and_value) operators();
+        faults.null(call).size(call).step(call);
+        if (hasOperator && kind == bound) operators();
+        if (kind != two_of_both) return;
+        const bool alone = this->layout.channels == 1; // bounds that cross on one channel, be it by a denormal
+        T& lower = alone ? call.end()[-4].template as<T>() : low[this->layout.colours - 1];
+        T& upper = alone ? call.end()[-2].template as<T>() : high[this->layout.colours - 1];
+        lower = upper = is_float<T> ? static_cast<T>(1e-40f) : T(1);
+        faults.add(zetStsThresholdErr, upper, {T(0)});
     }
 };
 
@@ -82,7 +71,7 @@ constexpr auto each_member = [](auto use) {
 };
 
 TEST(Threshold, EveryMemberAtEveryWidth) { sweep(each_member); }
-TEST(Threshold, OrderOfChecks) { check_order(each_member); }
+TEST(Threshold, OrderOfChecks) { check_orders(each_member); }
 // What is not beyond a bound keeps its bits: NaNs with all they carry, and zeros of either sign.
 TEST(Threshold, FloatsKeepTheirBits) {
     Image<Zet32u> from(7, 1, 1, 28), to(7, 1, 1, 28); // floats that no test code moves about

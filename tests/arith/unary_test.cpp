@@ -44,7 +44,6 @@ template <class T> struct Unary : Elementwise<T> {
 template <class T> struct DivRound : Elementwise<T> {
     int mode = zetRndZero;
 
-    std::string parameters() const { return "scale " + std::to_string(this->s) + ", mode " + std::to_string(mode); }
     template <class I, class Use> void call(const I& i, Use use) const { this->two(i, use, static_cast<ZetRoundMode>(mode), this->s); }
     T sample(T a, T b, int, ZetStatus& warning) const {
         constexpr int n = std::numeric_limits<T>::digits, from = n == 8 ? -15 : n == 16 ? -31 : -30, to = n == 8 ? 8 : n == 16 ? 16 : 15;
@@ -59,8 +58,9 @@ template <class T> struct DivRound : Elementwise<T> {
         mode = r.between(0, 2);
         appease(r, a, this->layout, T(1), T(0), [](T v) { return v == 0; });
     }
-    std::vector<ZetStatus> order() const { return {zetStsNullPtrErr, zetStsSizeErr, zetStsStepErr, zetStsRoundModeNotSupportedErr}; }
-    std::vector<int> unknown() const { return {3, -1, INT_MAX}; }
+    void order(Faults& faults, const Arguments& call) const {
+        faults.null(call).size(call).step(call).add(zetStsRoundModeNotSupportedErr, call.end()[-2].as<int>(), {3, -1, INT_MAX});
+    }
 };
 
 template <class T> Unary<T> unary(Function f, const PixelLayout& l = pixel_layouts[0], bool inPlace = false) {
@@ -86,7 +86,7 @@ constexpr auto each_member = [](auto use) {
 };
 
 TEST(Unary, EveryMemberAtEveryScaleAndWidth) { sweep(each_member); }
-TEST(Unary, OrderOfChecks) { check_order(each_member); }
+TEST(Unary, OrderOfChecks) { check_orders(each_member); }
 TEST(Unary, LargeDestination) { check_large(unary<Zet16s>(Function::Sqrt)); }
 
 // At every scale factor whose results are not all bounds or zeros.

@@ -1,12 +1,14 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The public header and the reference are fresh, and each file of the header compiles alone, as C and as C++."""
+"""The public header and the reference are fresh, each file of the header compiles alone, as C and as C++, and what it declares is what is
+exported."""
 import filecmp
+import re
 import sys
 import tempfile
 import unittest
 from pathlib import Path
 
-from subject import CC, CFLAGS, CXX, HEADERS, SOURCE, run
+from subject import CC, CFLAGS, CXX, GENERATED, HEADERS, SOURCE, ZETCORE, ZETI, listed_names, run
 
 STRICT = ["-pedantic", "-Wall", "-Wextra", "-Werror", "-fsyntax-only"]
 
@@ -30,3 +32,19 @@ class Header(unittest.TestCase):
                     # Twice: the second time the guard must hide it.
                     text = f"#include <zeti/{header.name}>\n" * 2
                     run(compiler, *CFLAGS, "-x", language, f"-std={standard}", *STRICT, "-I", SOURCE / "include", "-", input=text)
+
+    def test_names_are_those_of_the_list(self):
+        def exported(library):
+            """Names with their versions, without the nodes themselves."""
+            lines = run("nm", "-D", "--defined-only", "--with-symbol-versions", library).splitlines()
+            return sorted(name for _, kind, name in (line.split() for line in lines) if kind != "A")
+
+        header = re.sub(r"/\*.*?\*/", "", (SOURCE / "include/zeti/functions.h").read_text(), flags=re.DOTALL)
+        names = listed_names()
+        self.assertTrue(names)
+        self.assertEqual(names, sorted(set(names)))
+        self.assertEqual(sorted(re.findall(r"\b(\w+)\(", header)), names)
+        self.assertEqual(sorted(re.findall(r"(\w+);", (GENERATED / "zeti.map").read_text())), names)
+        self.assertEqual(exported(ZETI), [f"{name}@@ZETI_7" for name in names])
+        services = ["ownGetNumThreads", "zetFree", "zetGetMaxCacheSizeB", "zetMalloc"]
+        self.assertEqual(exported(ZETCORE), [f"{name}@@ZETCORE_7" for name in services])

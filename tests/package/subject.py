@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """What the checks look at; the build system tells through the environment."""
 import os
-import re
 import subprocess
 from pathlib import Path
 
@@ -25,8 +24,3 @@ def run(*command, **options):
 
 def listed_names():
     return (GENERATED / "names.txt").read_text().split()
-
-
-def declared_names(header=SOURCE / "include/zeti/functions.h"):
-    text = re.sub(r"/\*.*?\*/", "", header.read_text(), flags=re.DOTALL)
-    return re.findall(r"\b(\w+)\(", text)

@@ -40,19 +40,15 @@ class Table(unittest.TestCase):
             self.assertFalse(self.library.relocations.keys() & set(range(slot + 1, slot + SLOT)), name)
 
     def test_each_stub_is_one_jump_through_its_own_slot(self):
-        decode = self.decode_x86_64 if self.library.wide else self.decode_i386
         for name in self.names:
             stub = self.library.symbols[name]
             code = self.library.content(stub.value, stub.size)
-            self.assertEqual(decode(stub.value, code), self.slots[name].value, f"{name}: {code.hex(' ')}")
-
-    def decode_x86_64(self, address, code):
-        jumps = len(code) == 6 and code[:2] == b"\xff\x25"  # jmp *displacement(%rip)
-        return address + 6 + signed(code[2:]) if jumps else None
-
-    def decode_i386(self, address, code):
-        if len(code) != 11 or code[:1] != b"\xe8" or code[5:7] != b"\xff\xa1":  # call helper; jmp *displacement(%ecx)
-            return None
-        helper = address + 5 + signed(code[1:5])
-        returns = self.library.content(helper, 4) == b"\x8b\x0c\x24\xc3"  # movl (%esp), %ecx; ret
-        return address + 5 + signed(code[7:]) if returns else None
+            if self.library.wide:
+                opcodes, at = [(0, b"\xff\x25")], 2  # jmp *displacement(%rip)
+            else:
+                opcodes, at = [(0, b"\xe8"), (5, b"\xff\xa1")], 7  # call helper; jmp *displacement(%ecx)
+                self.assertEqual(self.library.content(stub.value + 5 + signed(code[1:5]), 4), b"\x8b\x0c\x24\xc3", name)  # movl (%esp), %ecx; ret
+            for place, opcode in opcodes:
+                self.assertTrue(code.startswith(opcode, place), f"{name}: {code.hex(' ')}")
+            base = stub.value + (6 if self.library.wide else 5)
+            self.assertEqual((len(code), base + signed(code[at:])), (at + 4, self.slots[name].value), name)

@@ -1,10 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
-// Where scans for extrema, and for the largest magnitude, stop.
+// MaxEvery, MinEvery: the larger or the smaller of two samples, in place. Where scans for extrema, and for the largest magnitude, stop.
+#include "tests/arith/elementwise.h"
 #include "tests/stats/reduction.h"
 
 using namespace test;
 
 namespace {
+
+template <class T> struct Every : Elementwise<T> {
+    bool greatest;
+
+    T sample(T a, T b, int, ZetStatus&) const { return (greatest ? a > b : a < b) ? a : b; } // b where they are equal or do not compare
+    template <class I, class Use> void call(const I& i, Use use) const { use(i.a, i.aStep, i.d, i.dStep, i.roi); }
+};
+
+constexpr auto each_member = [](auto use) {
+    const auto members = [&](auto... v) {
+        for (const PixelLayout& l : pixel_layouts)
+            for (const bool greatest : {true, false})
+                (use(Every<decltype(v)>{{greatest ? "MaxEvery" : "MinEvery", l, true}, greatest}), ...);
+    };
+    members(Zet8u{}, Zet16u{}, Zet16s{}, Zet32f{});
+};
+
+TEST(Every, EveryMemberAtEveryWidth) { sweep(each_member); }
+TEST(Every, OrderOfChecks) { check_orders(each_member); }
 
 // A row that holds the limit of the type ends the search, once every colour channel has seen it: the rows below lie behind a fence. On
 // the other side, the limit on all channels but one ends nothing.
@@ -16,7 +36,7 @@ TEST(Extrema, StopAtTheLimit) {
         for (const int width : {2, 3, 8, 16, 33, 200}) {
             if (norm && width < 8) continue;
             Samples image(m.type, width, 2, n, width * n * bytes_of(m.type));
-            for (int i = 0; i < 2 * image.row; ++i) image.put(i / image.row, i % image.row, 50);
+            for (const auto [y, i] : image.samples()) image.put(y, i, 50);
             for (int c = 0; c < m.layout.colours; ++c) { // the last channel in the second row alone
                 if (m.has("Min")) image.put(c == m.layout.colours - 1, c, lowest(m.type));
                 if (m.has("Max")) image.put(c == m.layout.colours - 1, (width - 1) * n + c, highest(m.type));

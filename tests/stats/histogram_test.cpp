@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // HistogramRange and HistogramEven: every way of counting gives the counts of the plain loop, and is taken where it is said to be.
+#include <array>
+
 #include "tests/stats/tables.h"
 
 using namespace test;
@@ -8,8 +10,8 @@ namespace {
 
 template <class T> struct Histogram : TableCall<T> {
     using V = typename TableCall<T>::V;
-    std::vector<V> edges[4];
-    std::vector<Zet32s> got[4];
+    std::array<std::vector<V>, 4> edges;
+    std::array<std::vector<Zet32s>, 4> got;
 
     Histogram(bool even, const PixelLayout& l)
         : TableCall<T>(even ? TableCall<T>::even : TableCall<T>::range, even ? "HistogramEven" : "HistogramRange", l) {}
@@ -17,30 +19,25 @@ template <class T> struct Histogram : TableCall<T> {
     // The levels of channel c; a count behind the last bin must stay as it is.
     void use(int c, const std::vector<V>& levels) {
         edges[c] = levels;
-        this->levels.entry[c] = this->written.entry[c] = edges[c].data(), this->counts.entry[c] = static_cast<int>(levels.size());
+        this->levels[c] = this->written[c] = edges[c].data(), this->counts[c] = static_cast<int>(levels.size());
     }
     ZetStatus count(const Image<T>& image) {
-        for (int c = 0; c < this->layout.colours; ++c) {
-            got[c].assign(edges[c].size(), 77);
-            this->bins.entry[c] = got[c].data();
-        }
-        this->src = image.data(), this->srcStep = image.step, this->roi = {image.width, image.height};
+        for (int c = 0; c < this->layout.colours; ++c) got[c].assign(edges[c].size(), 77), this->bins[c] = got[c].data();
+        this->take(image, image);
         return this->run();
     }
     void expect_counts(const Image<T>& image) {
         ASSERT_EQ(count(image), zetStsNoErr) << this->name;
+        std::array<std::vector<Zet32s>, 4> expected;
         for (int c = 0; c < this->layout.colours; ++c) {
-            std::vector<Zet32s> expected(edges[c].size(), 77);
-            for (std::size_t k = 0; k + 1 < edges[c].size(); ++k) {
-                expected[k] = 0;
-                for (int y = 0; y < image.height; ++y)
-                    for (int i = c; i < image.row_samples(); i += image.channels)
-                        expected[k] += image.at(y, i) >= edges[c][k] && image.at(y, i) < edges[c][k + 1];
-            }
-            ASSERT_EQ(got[c], expected) << this->name << ", channel " << c << ", " << edges[c].size() << " levels, " << image.width << " x "
-                                        << image.height;
+            expected[c].assign(edges[c].size(), 0), expected[c].back() = 77;
+            for (const auto [y, x] : Places{image.height, image.width})
+                for (std::size_t k = 0; k + 1 < edges[c].size(); ++k) {
+                    const T v = image.at(y, x * image.channels + c);
+                    expected[c][k] += v >= edges[c][k] && v < edges[c][k + 1];
+                }
         }
-        EXPECT_TRUE(image.intact());
+        ASSERT_TRUE(got == expected && image.intact()) << this->name << ", " << edges[0].size() << " levels";
     }
 };
 
@@ -84,16 +81,14 @@ TEST(HistogramRange, EveryMemberAtEveryWidth) {
 }
 
 // On either side of every break-even: pixels of a square, or one less, and a limit of levels.
-struct BreakEven {
-    int side, levels;
-};
+using BreakEven = std::pair<int, int>;
 constexpr BreakEven ascending[] = {{80, 134}, {96, 78}, {112, 50}, {128, 34}, {144, 22}, {160, 6}, {192, 2}};
 constexpr BreakEven unsorted[] = {{32, 434}, {48, 222}, {64, 126}, {80, 78}, {96, 50}, {112, 34},
                                   {128, 22}, {144, 14}, {160, 10}, {176, 6}, {208, 2}};
 
 template <class T, std::size_t N> void check_break_even(const BreakEven (&table)[N], bool sorted) {
     for (std::size_t i = 0; i < 4 * N; ++i) { // pixels: (side - 1) (side + 1) is one less than the square
-        const int row = static_cast<int>(i / 4), less = i / 2 % 2, side = table[row].side, n = std::max<int>(2, table[row].levels + i % 2);
+        const int row = static_cast<int>(i / 4), less = i / 2 % 2, side = table[row].first, n = std::max<int>(2, table[row].second + i % 2);
         const PixelLayout& l = pixel_layouts[row == 0 || row + 1 == N ? 1 : 0];
         Histogram<T> h(false, l);
         Random r(h.name + std::to_string(side));
@@ -104,12 +99,12 @@ template <class T, std::size_t N> void check_break_even(const BreakEven (&table)
         auto& levels = h.edges[l.colours - 1];
         if (!sorted) std::swap(levels[0], levels[n / 2]), std::swap(levels[n - 1], levels[0]);
         fill(r, image, levels);
-        standin_reset();
+        standin.reset();
         h.expect_counts(image);
-        const int limit = less == 0 ? table[row].levels : row == 0 ? INT_MAX : table[row - 1].levels;
+        const int limit = less == 0 ? table[row].second : row == 0 ? INT_MAX : table[row - 1].second;
         const bool direct = (sorted || n > 2) && n > limit; // of two levels swapped twice nothing is left
-        EXPECT_EQ(standin_allocations(), direct) << h.name << ", " << side * side - less << " pixels, " << n << " levels";
-        EXPECT_EQ(standin_last_bytes(), direct ? 4 * 65536 : 0);
+        EXPECT_EQ(standin.allocations, direct) << h.name << ", " << side * side - less << " pixels, " << n << " levels";
+        EXPECT_EQ(standin.last_bytes, direct ? 4 * 65536 : 0);
     }
 }
 
@@ -140,16 +135,15 @@ TEST(Histogram, OrderOfChecksAndRefusals) {
                 Image<T> image(96, 96, l.channels, 96 * l.channels * int{sizeof(T)});
                 for (int c = 0; c < l.colours; ++c) {
                     h.use(c, random_levels<T>(r, 100, true));
-                    h.lower.entry[c] = 5, h.upper.entry[c] = 200; // not a multiple of 99
+                    h.lower[c] = 5, h.upper[c] = 200; // not a multiple of 99
                 }
                 ASSERT_EQ(h.count(image), zetStsNoErr);
-                const std::vector<Zet32s> before(100, 55);
-                for (int c = 0; c < l.colours; ++c) h.got[c] = before, h.bins.entry[c] = h.got[c].data();
-                const auto levels = h.edges[0];
-                h.expect_order([&] { return std::count(h.got, h.got + 4, before) == l.colours && h.edges[0] == levels; });
+                const auto before = h.got;
+                const auto levels = h.edges;
+                h.expect_order([&] { return h.got == before && h.edges == levels; });
                 std::vector<Zet32s> zero(100, 0);
-                zero.back() = 55;
-                EXPECT_EQ(h.refuse_each([&] { return std::count(h.got, h.got + 4, zero) == l.colours; }), sizeof(T) == 2);
+                zero.back() = 77;
+                EXPECT_EQ(h.refuse_each([&] { return std::count(h.got.begin(), h.got.end(), zero) == l.colours; }), sizeof(T) == 2);
             }
     });
 }
@@ -172,22 +166,22 @@ TEST(HistogramEven, LevelsAndCounts) {
             for (int i = 0; i < 60; ++i) {
                 const bool exact = i % 2 == 0, large = i >= 56; // bins of one width in every channel; pixels from 0x10000 on
                 const int n = r.pick({2, 3, 5, 17, r.between(2, 260)});
-                std::vector<Zet32s> expected[4];
+                std::array<std::vector<Zet32s>, 4> expected;
                 for (int c = 0; c < l.colours; ++c) {
                     const int range = sizeof(T) == 1 ? 300 : 70000, q = r.pick({0, 1, -3, r.between(1, 2 * range / n + 1)});
                     const int low = r.pick({r.between(-range, range), r.between(-9, 9), i % 8 < 6 ? 0 : INT_MIN});
                     const int toZero = 16909320 / (n - 1) * 127; // a width of bins that reach from the least int to the samples
                     const int high =
                         exact ? low + (low == INT_MIN ? toZero : q) * (n - 1) : r.pick({INT_MAX, INT_MIN, r.between(-range, range)});
-                    h.lower.entry[c] = low, h.upper.entry[c] = high, expected[c] = even_levels(low, high, n);
+                    h.lower[c] = low, h.upper[c] = high, expected[c] = even_levels(low, high, n);
                     h.use(c, std::vector<Zet32s>(n, 12345));
                 }
                 Image<T> image(r, large ? 256 : r.between(1, 90), large ? 256 : r.between(1, 12), l.channels);
                 fill(r, image, expected[0]);
-                standin_reset();
+                standin.reset();
                 ASSERT_EQ(h.count(image), zetStsNoErr);
-                EXPECT_TRUE(std::equal(expected, expected + 4, h.edges)) << h.name;
-                EXPECT_TRUE(standin_allocations() == 0 || !exact || large);
+                EXPECT_EQ(h.edges, expected) << h.name;
+                EXPECT_TRUE(standin.allocations == 0 || !exact || large);
                 h.expect_counts(image); // against the levels that it wrote, and writes again
             }
         }
@@ -200,10 +194,10 @@ TEST(HistogramEven, DirectPath) {
     Histogram<Zet16s> h(true, pixel_layouts[1]);
     for (const auto& [upper, width, allocations] : {std::tuple{160, 255, 0}, {161, 255, 1}, {160, 256, 1}}) {
         Image<Zet16s> image(width, 256, 3, width * 6);
-        for (int c = 0; c < 3; ++c) h.lower.entry[c] = -160, h.upper.entry[c] = c == 2 ? upper : 160, h.use(c, std::vector<Zet32s>(65));
-        standin_reset();
+        for (int c = 0; c < 3; ++c) h.lower[c] = -160, h.upper[c] = c == 2 ? upper : 160, h.use(c, std::vector<Zet32s>(65));
+        standin.reset();
         EXPECT_EQ(h.count(image), zetStsNoErr);
-        EXPECT_EQ(standin_allocations(), allocations);
+        EXPECT_EQ(standin.allocations, allocations);
     }
 }
 

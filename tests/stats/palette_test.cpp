@@ -4,7 +4,6 @@
 
 #include "tests/support/faults.h"
 #include "tests/support/image.h"
-#include "tests/support/member.h"
 
 using namespace test;
 
@@ -29,10 +28,10 @@ template <class S, class D, class E = D> void check(const Form& form, const std:
     D* to;
     int srcStep, dstStep, bits;
     ZetiSize roi;
-    const E *tables[4], **given = tables;
+    const E* tables[4];
     const auto run = [&] {
         if (form.from == 1) return call_member(name, from, srcStep, to, dstStep, roi, *tables, bits);
-        const E* const* const all = given;
+        const E* const* const all = tables;
         return call_member(name, from, srcStep, to, dstStep, roi, all, bits);
     };
     Random r(name);
@@ -47,13 +46,12 @@ template <class S, class D, class E = D> void check(const Form& form, const std:
         Image<D> dst(r, width, roi.height, form.to * parts, {1, -1});
         from = src.data(), srcStep = src.step, to = dst.data(), dstStep = dst.step;
         if (width == 40) {
-            Faults faults;
-            faults.null(from, to);
-            form.from == 1 ? faults.null(*tables) : faults.null(given);
-            faults.size(roi);
-            for (int c = 0; form.from > 1 && c < form.colours; ++c) faults.null(tables[c]);
-            faults.add(zetStsOutOfRangeErr, bits, {0, -1, most + 1, INT_MIN, INT_MAX});
-            faults.expect_order(name, run, [&] { return dst.intact(); });
+            const auto list = [&](Faults& faults, const Arguments& call) {
+                faults.null(call, false).size(call);
+                for (int c = 0; form.from > 1 && c < form.colours; ++c) faults.null(argument(tables[c]));
+                faults.add(zetStsOutOfRangeErr, call.back().as<int>(), {0, -1, most + 1, INT_MIN, INT_MAX});
+            };
+            check_order(run, list, [&] { return dst.intact(); });
         }
         for (int y = 0; y < roi.height; ++y)
             for (int i = 0; i < width * form.colours * parts; ++i) {

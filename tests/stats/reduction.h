@@ -3,9 +3,7 @@
 #pragma once
 
 #include "tests/support/faults.h"
-#include "tests/support/float_state.h"
 #include "tests/support/layouts.h"
-#include "tests/support/member.h"
 #include "tests/support/typed.h"
 #include "tests/support/zetcore_standin.h"
 
@@ -46,6 +44,7 @@ struct Results {
     alignas(8) Zet8u bytes[3][40];
     Results() { std::memset(bytes, 0xC5, sizeof bytes); }
     bool operator==(const Results& other) const { return std::memcmp(bytes, other.bytes, sizeof bytes) == 0; }
+    template <class V> V* at(int array) { return reinterpret_cast<V*>(bytes[array]); }
     template <class V> void put(int array, int channel, V v) { std::memcpy(bytes[array] + channel * sizeof v, &v, sizeof v); }
     Zet64f value(int channel) const { return load<Zet64f>(bytes[0] + channel * sizeof(Zet64f)); }
 };
@@ -56,32 +55,44 @@ struct Call {
     int aStep, bStep;
     ZetiSize roi;
     Results results;
-    void* to[3] = {results.bytes[0], results.bytes[1], results.bytes[2]};
-    Zet8u bounds[2][16] = {};
-    const void *lower = bounds[0], *upper = bounds[1];
+    alignas(4) Zet8u bounds[2][16] = {};
 
     Call(const Reduction& given, const void* first, int step1, const void* second, int step2, ZetiSize size)
         : m(given), a(first), b(second), aStep(step1), bStep(step2), roi(size) {}
     Call(const Call&) = delete;
 
     double bound(int upperOne, int channel) const { return load(m.type, bounds[upperOne] + channel * bytes_of(m.type)); }
-    ZetStatus run() const {
+    ZetStatus run() {
         return with_type(m.type, [&]<class T>(T) {
-            const auto *p = static_cast<const T*>(a), *q = static_cast<const T*>(b), *low = static_cast<const T*>(lower),
-                       *high = static_cast<const T*>(upper);
+            const auto *p = static_cast<const T*>(a), *q = static_cast<const T*>(b);
+            const auto *low = reinterpret_cast<const T*>(bounds[0]), *high = reinterpret_cast<const T*>(bounds[1]);
             const auto one = [&](auto... rest) { return call_member(m.name(), p, aStep, roi, rest...); };
             const auto pair = [&](auto... rest) { return call_member(m.name(), p, aStep, q, bStep, roi, rest...); };
-            auto* const values = static_cast<Zet64f*>(to[0]);
-            auto *const best = static_cast<T*>(to[0]), *const other = static_cast<T*>(to[1]);
-            auto *const counts = static_cast<Zet32s*>(to[0]), *const x = static_cast<Zet32s*>(to[1]),
-                        *const y = static_cast<Zet32s*>(to[2]);
+            auto* const values = results.at<Zet64f>(0);
+            auto *const best = results.at<T>(0), *const other = results.at<T>(1);
+            auto *const counts = results.at<Zet32s>(0), *const x = results.at<Zet32s>(1), *const y = results.at<Zet32s>(2);
             if (m.two()) return m.hinted() ? pair(values, m.hint) : pair(values);
             if (m.sums() || m.norm()) return m.hinted() ? one(values, m.hint) : one(values);
-            if (m.counts()) return m.layout.channels == 1 ? one(counts, load<T>(low), load<T>(high)) : one(counts, low, high);
+            if (m.counts()) return m.layout.channels == 1 ? one(counts, *low, *high) : one(counts, low, high);
             return m.has("Indx") ? one(best, x, y) : m.has("MinMax") ? one(best, other) : one(best);
         });
     }
 };
+
+// The results of a call that must succeed.
+template <class T>
+Results called(const std::string& family, const PixelLayout& l, const T* a, const T* b, int step, ZetiSize roi,
+               ZetHintAlgorithm hint = zetAlgHintNone) {
+    Call call({family, type_of<T>, l, hint}, a, step, b, step, roi);
+    EXPECT_EQ(call.run(), zetStsNoErr) << call.m.name();
+    return call.results;
+}
+
+// The value of the last colour channel of rows that are one sample apart, all samples a, and b.
+template <class T> Zet64f of_constants(const std::string& family, const PixelLayout& l, int width, int height, T a, T b = 0) {
+    const std::size_t n = static_cast<std::size_t>(width) * l.channels + height;
+    return called(family, l, std::vector<T>(n, a).data(), std::vector<T>(n, b).data(), sizeof(T), {width, height}).value(l.colours - 1);
+}
 
 // What the samples of one channel, or differences of two, come to. Exact as long as it fits a double.
 struct Plain {

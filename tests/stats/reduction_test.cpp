@@ -35,10 +35,10 @@ bool check(const Reduction& m, Random& r, int width, int height, bool zeros = fa
     }
     ZetStatus status;
     const Results wanted = expected(call, a, b, status);
-    const int asked = standin_thread_queries();
+    const int asked = standin.thread_queries;
     const ZetStatus given = under_state(r.pick({plain_state, 0x7F80U, 0x9FC0U, 0xFFC0U}), [&] { return call.run(); });
     EXPECT_EQ(given, status) << m.name();
-    EXPECT_EQ(standin_thread_queries(), asked) << m.name();
+    EXPECT_EQ(standin.thread_queries, asked) << m.name();
     EXPECT_TRUE(call.results == wanted) << m.name() << ", " << width << " x " << height << ", hint " << m.hint << ": "
                                         << call.results.value(0) << ", not " << wanted.value(0)
                                         << " in the first channel (if it is a double)";
@@ -67,27 +67,21 @@ TEST(Reductions, ChecksInTheirOrder) {
     for (const Reduction& m : reductions()) {
         const Zet32f samples[16] = {};
         Call call(m, samples, 16, samples, 16, {2, 2});
-        const bool stepsFirst = m.family == "Norm_L1" && m.type == Type::u16, stepsBefore = m.type == Type::u16 || m.counts();
-        Faults faults;
-        const auto steps = [&](bool now) {
-            if (now && m.stepped()) faults.step(call.aStep);
-            if (now && m.two()) faults.step(call.bStep);
+        const bool early = m.family == "Norm_L1" && m.type == Type::u16, before = m.type == Type::u16 || m.counts();
+        const int place = !m.stepped() ? 0 : early ? 1 : before ? 2 : 3; // of the steps
+        const auto list = [&](Faults& faults, const Arguments& arguments) {
+            if (place == 1) faults.step(arguments);
+            faults.null(arguments);
+            if (place == 2) faults.step(arguments);
+            faults.size(arguments);
+            if (place == 3) faults.step(arguments);
+            with_type(m.type, [&]<class T>(T) { // bounds that cross in one channel
+                for (int c = 0; m.counts() && c < m.layout.colours; ++c)
+                    faults.add(zetStsRangeErr,
+                               m.layout.channels == 1 ? arguments.end()[-2].as<T>() : reinterpret_cast<T*>(call.bounds[0])[c], {T(6)});
+            });
         };
-        steps(stepsFirst);
-        faults.null(call.a, call.to[0]);
-        if (m.two()) faults.null(call.b);
-        if (m.has("Indx") || m.has("MinMax")) faults.null(call.to[1]);
-        if (m.has("Indx")) faults.null(call.to[2]);
-        if (m.counts() && m.layout.channels > 1) faults.null(call.lower, call.upper);
-        steps(!stepsFirst && stepsBefore);
-        faults.size(call.roi);
-        steps(!stepsFirst && !stepsBefore);
-        Zet8u above[4][16] = {}; // the upper bound in one channel
-        for (int c = 0; m.counts() && c < m.layout.colours; ++c) {
-            store(m.type, above[c] + c * bytes_of(m.type), 6);
-            faults.add(zetStsRangeErr, call.lower, {above[c]});
-        }
-        faults.expect_order(call, [&] { return call.results == Results(); });
+        check_order([&] { call.run(); }, list, [&] { return call.results == Results(); });
     }
 }
 

@@ -19,15 +19,14 @@ TEST(Guard, FenceBites) {
 
 // Above, below, in a gap, in a sample; of rows that go up, and of rows on top of each other.
 TEST(Guard, TellsThePlaceOfAStrayWrite) {
-    for (const auto& [step, at, message] : {std::tuple{9, -1, "at byte -1"},
-                                            {9, 17, "at byte 17"},
-                                            {9, 24, "at byte 24"},
-                                            {9, 23, "row 2, pixel 1, channel 2"},
-                                            {-9, -19, "at byte -19"},
-                                            {-9, -10, "at byte -10"},
-                                            {-9, 6, "at byte 6"},
-                                            {-9, -9, "row 1, pixel 0, channel 0"},
-                                            {0, 6, "at byte 6"}}) {
+    const std::tuple<int, int, const char*> writes[] = {{9, -1, "byte -1"},
+                                                        {9, 24, "byte 24"},
+                                                        {-9, -10, "byte -10"},
+                                                        {-9, 6, "byte 6"},
+                                                        {0, 6, "byte 6"},
+                                                        {9, 23, "row 2, pixel 1, channel 2"},
+                                                        {-9, -9, "row 1, pixel 0, channel 0"}};
+    for (const auto& [step, at, message] : writes) {
         const Image<Zet8u> image(2, 3, 3, step, Fence::behind, 15);
         EXPECT_TRUE(image.intact());
         image.data()[at] ^= 1;

@@ -42,13 +42,10 @@ template <class T> bool is_nan(T v) {
     if constexpr (is_float<T>) return std::isnan(v);
     else return false;
 }
-template <class T> using Bits = std::conditional_t<sizeof(T) == 8, std::uint64_t, std::conditional_t<sizeof(T) == 4, std::uint32_t, T>>;
-
 // The same bits, or two NaNs: which NaN comes out is nobody's contract.
 template <class T> bool same(T a, T b) {
     if constexpr (is_complex<T>) return same(a.re, b.re) && same(a.im, b.im);
-    else if (is_nan(a)) return is_nan(b);
-    else return load<Bits<T>>(&a) == load<Bits<T>>(&b);
+    else return is_nan(a) ? is_nan(b) : std::memcmp(&a, &b, sizeof a) == 0;
 }
 
 template <class T> std::string text(T v) {

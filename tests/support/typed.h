@@ -22,22 +22,18 @@ template <class Use> auto with_type(Type t, Use use) {
     }
 }
 
-struct Properties {
-    const char* token;
-    int bytes;
-    double lowest, highest;
-};
-constexpr Properties properties[] = {{"8u", 1, 0, 255},
-                                     {"8s", 1, -128, 127},
-                                     {"16u", 2, 0, 65535},
-                                     {"16s", 2, -32768, 32767},
-                                     {"32u", 4, 0, 4294967295.0},
-                                     {"32s", 4, -2147483648.0, 2147483647},
-                                     {"32f", 4, -std::numeric_limits<Zet32f>::max(), std::numeric_limits<Zet32f>::max()}};
-inline std::string token(Type t) { return properties[static_cast<int>(t)].token; }
-inline int bytes_of(Type t) { return properties[static_cast<int>(t)].bytes; }
-inline double lowest(Type t) { return properties[static_cast<int>(t)].lowest; }
-inline double highest(Type t) { return properties[static_cast<int>(t)].highest; }
+inline std::string token(Type t) {
+    return with_type(t, []<class T>(T) { return token<T>(); });
+}
+inline int bytes_of(Type t) {
+    return with_type(t, []<class T>(T) { return int{sizeof(T)}; });
+}
+inline double lowest(Type t) {
+    return with_type(t, []<class T>(T) { return static_cast<double>(std::numeric_limits<T>::lowest()); });
+}
+inline double highest(Type t) {
+    return with_type(t, []<class T>(T) { return static_cast<double>(std::numeric_limits<T>::max()); });
+}
 inline double load(Type t, const void* p) {
     return with_type(t, [=]<class T>(T) { return static_cast<double>(load<T>(p)); });
 }
@@ -57,27 +53,27 @@ inline double saturated(Type t, double v) { return v >= highest(t) ? highest(t) 
 class Samples : public Image<Zet8u> {
 public:
     const Type type;
-    const int row; // samples
+    const int perRow; // samples
 
     Samples(Type t, int w, int h, int c, int rowStep, Fence fence = Fence::behind, int offset = 0)
-        : Image(w, h, c * bytes_of(t), rowStep, fence, offset), type(t), row(w * c) {}
+        : Image(w, h, c * bytes_of(t), rowStep, fence, offset), type(t), perRow(w * c) {}
     // Any step, offset and samples.
     Samples(Random& r, Type t, int w, int h, int c, std::initializer_list<int> directions = {1}, int unit = 1)
         : Samples{t, w, h, c, any_step(r, w * c * bytes_of(t), directions, unit), any_fence(r), any_offset(r)} {
         fill(r, r.pattern());
     }
-    Places samples() const { return {height, row}; }
+    Places samples() const { return {height, perRow}; }
     void fill(Random& r, Random::Pattern p) {
-        with_type(type, [&]<class T>(T) {
-            for (const auto [y, i] : samples()) put(y, i, static_cast<double>(r.sample<T>(p, i)));
-        });
+        for (const auto [y, i] : samples()) put(y, i, random_sample(r, type, p, i));
     }
-    double value(int y, int i) const { return load(type, data() + static_cast<long>(y) * step + i * bytes_of(type)); }
+    double value(int y, int i) const { return load(type, row(y) + i * bytes_of(type)); }
     void put(int y, int i, double v) { write(y, i, v, &Image::set); }
     void copy(const Samples& from, int y, int i) { // of the same size
         for (int b = i * bytes_of(type); b < (i + 1) * bytes_of(type); ++b) set(y, b, from.at(y, b));
     }
-    void want(int y, int i, double v) { write(y, i, v, &Image::expect); }
+    // One NaN is as good as another.
+    void want(int y, int i, double v) { write(y, i, std::isnan(v) && std::isnan(value(y, i)) ? value(y, i) : v, &Image::expect); }
+    double wanted(int y, int i) const { return load(type, expected_at(y, i * bytes_of(type))); }
 
 private:
     void write(int y, int i, double v, void (Image::*to)(int, int, Zet8u)) {

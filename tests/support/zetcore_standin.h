@@ -1,34 +1,22 @@
-/* SPDX-License-Identifier: Apache-2.0 */
-/* A stand-in for libzetcore: it counts, refuses and answers as it is told. Settings are made while no call is under way. */
-#ifndef ZETCORE_STANDIN_H
-#define ZETCORE_STANDIN_H
+// SPDX-License-Identifier: Apache-2.0
+// A stand-in for libzetcore: it counts, refuses and answers as it is told. Settings are made while no call is under way.
+#pragma once
+
+#include <atomic>
 
 #include "services/zetcore.h"
 
-#ifdef __cplusplus
-extern "C" {
-#endif
+struct Standin {
+    int threads = 1;            // the answer of ownGetNumThreads
+    int cache_bytes = 0;        // that of zetGetMaxCacheSizeB; 0: unknown
+    int refused_allocation = 0; // from now: 1 is the next; 0: none
+    std::atomic<int> thread_queries = 0, cache_queries = 0;
+    std::atomic<int> allocations = 0, last_bytes = 0; // asked for, granted or not
+    std::atomic<int> live_blocks = 0;                 // granted and not yet released
 
-/* One thread, no refusals, no known cache, all counts zero except the live blocks, which are still out there. */
-ZETCORE_API void standin_reset(void);
-
-/* ownGetNumThreads answers `count`. */
-ZETCORE_API void standin_set_threads(int count);
-ZETCORE_API int standin_thread_queries(void);
-
-/* Refuses the n-th allocation from now (1 is the next, 0 takes a refusal back), or all of them. */
-ZETCORE_API void standin_refuse_allocation(int n);
-ZETCORE_API void standin_refuse_all_allocations(int refuse);
-ZETCORE_API int standin_allocations(void); /* asked for, granted or not */
-ZETCORE_API int standin_last_bytes(void);  /* the size last asked for */
-ZETCORE_API int standin_live_blocks(void); /* granted and not yet released */
-
-/* zetGetMaxCacheSizeB answers `bytes`; 0 makes the size unknown. */
-ZETCORE_API void standin_set_cache(int bytes);
-ZETCORE_API int standin_cache_queries(void);
-
-#ifdef __cplusplus
-}
-#endif
-
-#endif
+    void reset() { // all but the live blocks, which are still out there
+        threads = 1, cache_bytes = refused_allocation = 0;
+        thread_queries = cache_queries = allocations = last_bytes = 0;
+    }
+};
+extern ZETCORE_API Standin standin;
