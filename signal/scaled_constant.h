@@ -32,10 +32,10 @@ public:
         : low_(splat(static_cast<T>((2u << s) - 1))), less_(s - 1), mask_(splat(static_cast<U>(max_of<U> >> (s - 1)))) {}
 
     Vec<T> operator()(const auto& c, Vec<T> x) const {
-        const Vec<T> addend = c[1] + as_lanes<T>((x & low_) == c[0]);
+        const Vec<U> addend = as_lanes<U>(c[1]) + as_lanes<U>((x & low_) == c[0]); // may wrap
         Vec<U> sum = as_lanes<U>(x);
         if constexpr (zero != 0) sum ^= static_cast<U>(zero);
-        sum = unmixed<U>(less_(average_up(sum, as_lanes<U>(addend))), mask_);
+        sum = unmixed<U>(less_(average_up(sum, addend)), mask_);
         // Only differences of unsigned samples leave the type, below 0.
         if constexpr (std::is_same_v<Op, Sub> && zero == 0) return sub_saturating<T>(sum, c[2]);
         else return as_lanes<T>(sum - as_lanes<U>(c[2]));

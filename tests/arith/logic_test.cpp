@@ -44,7 +44,7 @@ template <class T> struct Shift : Elementwise<T> {
     }
     template <class I, class Use> void call(const I& i, Use use) const { this->with_constants(counts, i, use); }
     T sample(T, T v, int c, ZetStatus&) const { // one bit at a time
-        std::int64_t x = v;
+        auto x = static_cast<std::int64_t>(v);
         for (Zet32u n = 0; n < counts[c] && n < 40; ++n) x = left ? static_cast<T>(static_cast<std::uint64_t>(x) * 2) : x >> 1;
         return static_cast<T>(x);
     }

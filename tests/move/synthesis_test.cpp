@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // ImageRamp, ImageJaehne and the noise: every member against plain loops, and the sequence of the generator.
+#include <complex>
+
 #include "tests/support/checksum.h"
 #include "tests/support/faults.h"
 #include "tests/support/layouts.h"
@@ -157,6 +159,43 @@ TEST(Synthesis, NoiseFollowsTheSequence) {
         });
         EXPECT_EQ(sum, gauss ? 0x442B0D87039A23D4 : 0xF27021782B881FD7);
     }
+}
+
+// Of a million samples: mean, deviation, shares of 32 equally likely intervals, and the lowest frequencies of the rows.
+TEST(Synthesis, NoiseIsSound) {
+    constexpr int n = 1024, frequencies = 64;
+    for (const bool gauss : {false, true})
+        for (Zet32u seed : {0u, 123456789u, ~0u}) {
+            std::vector<Zet32f> image(size_t(n) * n);
+            const Member add = {gauss ? "AddRandGauss_Direct" : "AddRandUniform_Direct",
+                                Type::f32,
+                                pixel_layouts[0],
+                                0,
+                                0,
+                                0,
+                                gauss ? 10.0 : -8.0,
+                                gauss ? 5.0 : 24.0,
+                                &seed};
+            ASSERT_EQ(add.run(image.data(), n * 4, {n, n}), zetStsNoErr);
+            double sum = 0, squares = 0, chi = 0, power[frequencies] = {};
+            int bins[32] = {};
+            for (Zet32f& v : image) {
+                v = gauss ? (v - 10) / 5 : (v - 8) / static_cast<Zet32f>(32 / std::sqrt(12));
+                sum += v, squares += v * v;
+                ++bins[std::clamp(static_cast<int>((gauss ? std::erfc(-v / std::sqrt(2)) / 2 : v / std::sqrt(12) + 0.5) * 32), 0, 31)];
+            }
+            for (const int b : bins) chi += std::pow(b - n * n / 32.0, 2) / (n * n / 32.0);
+            for (int row = 0; row < 256; ++row)
+                for (int f = 1; f < frequencies; ++f) {
+                    std::complex<double> bin = 0;
+                    for (int x = 0; x < 128; ++x) bin += std::polar<double>(1, -2 * M_PI * f * x / 128) * double{image[row * n + x]};
+                    power[f] += std::norm(bin) / 128 / 256;
+                }
+            EXPECT_LT(std::abs(sum), 4 * n);
+            EXPECT_LT(std::abs(squares - n * n), 6 * n);
+            EXPECT_LT(chi, 70); // 31 degrees of freedom
+            for (int f = 1; f < frequencies; ++f) EXPECT_NEAR(power[f], 1, 5.5 / 16) << gauss << ", frequency " << f;
+        }
 }
 
 // A ramp looks at the step before the size. Along x it needs a row of memory.
