@@ -32,7 +32,7 @@ public:
         : low_(splat(static_cast<T>((2u << s) - 1))), less_(s - 1), mask_(splat(static_cast<U>(max_of<U> >> (s - 1)))) {}
 
     Vec<T> operator()(const auto& c, Vec<T> x) const {
-        const Vec<U> addend = as_lanes<U>(c[1]) + as_lanes<U>((x & low_) == c[0]); // may wrap
+        const Vec<U> addend = as_lanes<U>(c[1]) + as_lanes<U>((x & low_) == c[0]);
         Vec<U> sum = as_lanes<U>(x);
         if constexpr (zero != 0) sum ^= static_cast<U>(zero);
         sum = unmixed<U>(less_(average_up(sum, addend)), mask_);
