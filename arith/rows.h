@@ -77,18 +77,17 @@ template <bool InFloats, class R, class Fork, class A>
 [[gnu::noinline]] void run_rows(const A& a, Src<R> b, Dst<R> dst, Extent e, Fork fork, const RowKernel<R, A>& kernel) {
     const bool inPlace = (kernel.reads_b && b.pointer == dst.pointer) || a.is(dst.pointer);
     const ptrdiff_t rowBytes = e.width * ptrdiff_t{sizeof(R)};
-    const bool large = int64_t{rowBytes} * e.height >= arithmetic_streams_from, streams = large && kernel.writes_all && !inPlace;
-    const bool joins = !kernel.ends_rows && (!kernel.registers_of_row || e.width % lanes<R> == 0);
+    const bool large = int64_t{rowBytes} * e.height >= arithmetic_streams_from && !kernel.ends_rows; // its pieces are rows to the kernel
+    const bool streams = large && kernel.writes_all && !inPlace,
+               joins = !kernel.ends_rows && (!kernel.registers_of_row || e.width % lanes<R> == 0);
     const bool contiguous = joins && b.step == rowBytes && dst.step == rowBytes && a.contiguous(rowBytes);
     const auto run = [&](ptrdiff_t first, ptrdiff_t count) {
         const Extent part = contiguous ? Extent{e.width * count, 1} : Extent{e.width, count};
         const Src<R> source{b.row(first), b.step};
         const Dst<R> destination{dst.row(first), dst.step};
         if (!large) return kernel.rows(a.row(first), source, destination, part.width, part.height);
-        for (ptrdiff_t y = 0; y < part.height; ++y) {
+        for (ptrdiff_t y = 0; y < part.height; ++y)
             large_row<R, A>(a.row(first + y), source.row(y), destination.row(y), part.width, kernel, streams);
-            if (kernel.ends_rows) kernel.rows(a, source, destination, 0, 1);
-        }
     };
     const auto scope = [=] { return RowScope<InFloats>(streams); };
     if constexpr (!std::is_same_v<Fork, std::false_type>)

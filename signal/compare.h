@@ -94,6 +94,7 @@ public:
     void next_row() { a_.next_row(), b_.next_row(); }
     Comparison row(ptrdiff_t y) const { return {cmp_, a_.row(y), b_.row(y)}; }
     Comparison from(ptrdiff_t i) const { return {cmp_, a_.from(i * channels), b_.from(i * channels)}; }
+    Comparison apart(ptrdiff_t n) const { return {cmp_, a_.apart(n * channels), b_.apart(n * channels)}; }
     void advance(ptrdiff_t n) { a_.advance(n * channels), b_.advance(n * channels); }
     [[gnu::always_inline]] void prefetch(ptrdiff_t i) const { // what becomes a cache line of bytes
         for (int k = 0; k < lines; ++k) {

@@ -5,6 +5,7 @@
 //     next_row()           goes on to the next row
 //     advance(n)           goes on by n samples of the row; constants by whole patterns
 //     row(y), from(i)      the operand y rows, or i samples, further on
+//     apart(n)             the operand as if its rows were n samples apart
 //     lead(dst, n)         how far a destination of n samples runs ahead of a row that it overlaps, else n
 //     overlaps(dst, n)     in part
 //     is(dst)              the same place
@@ -29,6 +30,7 @@ template <class T> struct RowOperand {
     Vec<T> whole(ptrdiff_t i, int) const { return load(p + i); }
     Vec<T> part(ptrdiff_t i, int, int n) const { return load(p + i, n); }
     RowOperand from(ptrdiff_t i) const { return {p + i, step}; }
+    RowOperand apart(ptrdiff_t n) const { return {p, n * ptrdiff_t{sizeof(T)}}; }
     void advance(ptrdiff_t n) { p += n; }
     [[gnu::always_inline]] void prefetch(ptrdiff_t i) const { zeti::prefetch(p, i * ptrdiff_t{sizeof(T)}); }
     ptrdiff_t lead(const T* dst, ptrdiff_t n) const { return dst > p && dst < p + n ? dst - p : n; }
@@ -53,6 +55,7 @@ template <class T, int Period> struct Pattern {
     static void next_row() {}
     const Pattern& row(ptrdiff_t) const { return *this; }
     Pattern from(ptrdiff_t i) const { return i % count == 0 ? *this : Pattern(samples + i % count, count); }
+    const Pattern& apart(ptrdiff_t) const { return *this; }
     static void advance(ptrdiff_t) {} // by whole patterns
     static void prefetch(ptrdiff_t) {}
     static ptrdiff_t lead(const T*, ptrdiff_t n) { return n; }
@@ -85,6 +88,9 @@ template <class T, class Operand, int N> struct Operands {
     }
     Operands from(ptrdiff_t i) const {
         return mapped([=](const Operand& o) { return o.from(i); });
+    }
+    Operands apart(ptrdiff_t n) const {
+        return mapped([=](const Operand& o) { return o.apart(n); });
     }
     void advance(ptrdiff_t n) {
         for (auto& o : operand) o.advance(n);
@@ -129,6 +135,7 @@ template <class T> struct NoOperand {
     static void next_row() {}
     NoOperand row(ptrdiff_t) const { return {}; }
     NoOperand from(ptrdiff_t) const { return {}; }
+    NoOperand apart(ptrdiff_t) const { return {}; }
     static void advance(ptrdiff_t) {}
     static void prefetch(ptrdiff_t) {}
     static ptrdiff_t lead(const T*, ptrdiff_t n) { return n; }

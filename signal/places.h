@@ -26,21 +26,27 @@ inline ptrdiff_t to_line(const void* p) { return static_cast<ptrdiff_t>(-reinter
     for (ptrdiff_t k = 0; k < n / 16; ++k) store_streaming(to + k, _mm_loadu_si128(from + k));
 }
 
-// A piece of a long run. Everything is in units of which a line has `line`.
+// How a run of n is divided: so many places, a part of the run each, which are gone through by pieces; what is left lies behind them. Everything
+// is in units of which a line has `line`.
+struct Places {
+    ptrdiff_t piece, count, part;
+
+    Places(ptrdiff_t n, ptrdiff_t line, ptrdiff_t lines)
+        : piece(lines * line), count(n < 256 * line ? 1 : most_places), part(n / (count * piece) * piece) {}
+};
+
 struct Piece {
-    int place;  // that it belongs to; `most_places` is what is left in the end
-    bool first; // of its place; the next one begins where it ends
     ptrdiff_t at, count;
     ptrdiff_t next; // so far behind it lies what will be wanted soon
 };
 
-// take(piece) for each piece of n; `ahead` is how far to look.
+// take(piece) for each piece of n, of the places by turns; `ahead` is how far to look.
 template <class Take> [[gnu::always_inline]] inline void by_places(ptrdiff_t n, ptrdiff_t line, ptrdiff_t ahead, Take take) {
-    const ptrdiff_t piece = piece_bytes / line_bytes * line, places = n < 256 * line ? 1 : most_places, part = n / (places * piece) * piece;
+    const auto [piece, places, part] = Places(n, line, piece_bytes / line_bytes);
     for (ptrdiff_t i = 0; i < part; i += piece)
-        for (int p = 0; p < places; ++p) // at the end of its part each place looks to where it goes on in the next row
-            take(Piece{p, i == 0, p * part + i, piece, i + ahead < part ? ahead : ahead + n - part});
-    for (ptrdiff_t i = places * part; i < n; i += piece) take(Piece{most_places, i == places * part, i, std::min(piece, n - i), ahead});
+        for (ptrdiff_t p = 0; p < places; ++p) // at the end of its part each place looks to where it goes on in the next row
+            take(Piece{p * part + i, piece, i + ahead < part ? ahead : ahead + n - part});
+    for (ptrdiff_t i = places * part; i < n; i += piece) take(Piece{i, std::min(piece, n - i), ahead});
 }
 
 } // namespace zeti

@@ -203,22 +203,31 @@ template <class T, class A>
         return kernel.part(a, b, dst, n);
     if (head > 0) kernel.part(a, b, dst, head);
     const ptrdiff_t whole = (n - head) / line * line, part = (n - head) - whole;
-    alignas(line_bytes) T buffer[piece_bytes / size];
-    A at[most_places + 1] = {a, a, a, a, a};
-    by_places(whole, line, ahead, [&](const Piece& piece) {
-        A& from = at[piece.place];
-        const T* const second = b + head + piece.at;
-        T* const to = dst + head + piece.at;
-        if (piece.first) from = a.from(head + piece.at);
-        for (ptrdiff_t k = 0; k < piece.count; k += line) {
-            from.prefetch(k + piece.next);
-            if (kernel.reads_b) prefetch(second, (k + piece.next) * size);
-            if (!kernel.writes_all) prefetch(to, (k + piece.next) * size);
-        }
-        kernel.part(from, second, streams ? buffer : to, piece.count);
-        if (streams) stream_lines(buffer, to, piece.count * size);
-        from.advance(piece.count);
-    });
+    constexpr ptrdiff_t lines = 3, together = 2; // whole patterns and pixels; so few that the next ones are computed while these leave
+    const Places places(whole, line, lines);
+    alignas(line_bytes) T buffer[together * lines * line];
+    // As many samples at each of so many places, which are rows to the kernel.
+    const auto pieces = [&](const A& from, ptrdiff_t i, ptrdiff_t samples, ptrdiff_t count, ptrdiff_t next) {
+        const Src<T> second{b + head + i, places.part * size};
+        const Dst<T> to{dst + head + i, places.part * size}, out = streams ? Dst<T>{buffer, lines * line_bytes} : to;
+        for (ptrdiff_t p = 0; p < count; ++p)
+            for (ptrdiff_t k = next; k < next + samples; k += line) {
+                from.prefetch(p * places.part + k);
+                if (kernel.reads_b) prefetch(second.row(p), k * size);
+                if (!kernel.writes_all) prefetch(to.row(p), k * size);
+            }
+        kernel.rows(from, second, out, samples, count);
+        for (ptrdiff_t p = 0; streams && p < count; ++p) stream_lines(out.row(p), to.row(p), samples * size);
+    };
+    A from = a.from(head).apart(places.part);
+    for (ptrdiff_t i = 0; i < places.part; i += places.piece, from.advance(places.piece)) {
+        const ptrdiff_t next = i + ahead < places.part ? ahead : ahead + whole - places.part; // at its end each place looks to the next row
+        for (ptrdiff_t p = 0; p < places.count; p += together)
+            pieces(from.row(p), p * places.part + i, places.piece, std::min(together, places.count), next);
+    }
+    from = a.from(head + places.count * places.part);
+    for (ptrdiff_t i = places.count * places.part; i < whole; i += places.piece, from.advance(places.piece))
+        pieces(from, i, std::min(places.piece, whole - i), 1, ahead);
     if (part > 0) kernel.part(a.from(n - part), b + n - part, dst + n - part, part);
 }
 
