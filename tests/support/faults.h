@@ -15,6 +15,7 @@ public:
     template <class A> Faults& add(ZetStatus status, A& argument, std::initializer_list<std::type_identity_t<A>> bad) {
         for (const A& other : bad) {
             const auto* const bytes = reinterpret_cast<const unsigned char*>(&other);
+            // NOLINTNEXTLINE(bugprone-sizeof-expression): of a pointer, too
             faults_.push_back({status, reinterpret_cast<unsigned char*>(&argument), {bytes, bytes + sizeof(A)}});
         }
         return *this;
