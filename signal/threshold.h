@@ -31,8 +31,11 @@ template <class T> T replacement(T bound, T value) {
 }
 
 namespace detail {
-template <class T> Vec<T> offset(Vec<T> clamped, Vec<T> v, Vec<T> distance) {
-    return as_lanes<T>(_mm_andnot_si128(raw(clamped == v), raw(distance)));
+template <class T> auto offset(Vec<T> clamped, Vec<T> v, Vec<T> distance) { // in unsigned lanes, which may wrap
+    return as_lanes<std::make_unsigned_t<T>>(_mm_andnot_si128(raw(clamped == v), raw(distance)));
+}
+template <class T, class Distance> Vec<T> moved(Vec<T> v, Distance distance) {
+    return as_lanes<T>(as_lanes<std::make_unsigned_t<T>>(v) + distance);
 }
 } // namespace detail
 
@@ -41,7 +44,7 @@ template <class Side, class T> struct ThresholdVal {
     Vec<T> operator()(const auto& c, Vec<T> v) const {
         if constexpr (std::is_integral_v<T>) {
             const Vec<T> clamped = Side::template clamped<T>(c[0], v);
-            return clamped + detail::offset<T>(clamped, v, c[1]);
+            return detail::moved<T>(clamped, detail::offset<T>(clamped, v, c[1]));
         } else {
             return select<T>(Side::template beyond<T>(c[0], v), c[1], v);
         }
@@ -54,7 +57,7 @@ template <class T> struct ThresholdLTValGTVal {
     Vec<T> operator()(const auto& c, Vec<T> v) const {
         if constexpr (std::is_integral_v<T>) {
             const Vec<T> above = max<T>(c[0], v), both = min<T>(c[2], above);
-            return both + (detail::offset<T>(above, v, c[1]) | detail::offset<T>(both, above, c[3]));
+            return detail::moved<T>(both, detail::offset<T>(above, v, c[1]) | detail::offset<T>(both, above, c[3]));
         } else {
             const auto x = raw(v), low = x ^ raw(c[1]), high = x ^ raw(c[3]);
             return as_lanes<T>(x ^ (low & raw(v < c[0])) ^ (high & raw(v > c[2])));
