@@ -122,11 +122,12 @@ public:
 private:
     using F = Vec<Zet32f>;
     using I = Vec<Zet32s>;
+    using U = Vec<Zet32u>; // what is no normal number wraps, and is not used
 
     // ln(x 2^more) of the bits of a normal number x.
     F positive(I bits, I more) const {
-        const I k = (bits - root_) & exponent_; // times 2^23, which 32f holds as exactly
-        const F m = as_lanes<Zet32f>(bits - k), kf = to_float(k + (more << 23)), f = m - one_;
+        const U x = as_lanes<Zet32u>(bits), k = (x - root_) & exponent_; // times 2^23, which 32f holds as exactly
+        const F m = as_lanes<Zet32f>(x - k), kf = to_float(as_lanes<Zet32s>(k + (as_lanes<Zet32u>(more) << 23))), f = m - one_;
         const F z = f / (m + one_), w = z * z;
         const F wp = w * (p0_ + w * (p1_ + w * p2_));
         return kf * ln2_ + (f - z * (f - wp));
@@ -135,7 +136,7 @@ private:
     // Constants come from memory in the row, where the compiler would build some of them anew for every register.
     Vec<Zet32u> to_bottom_ = splat(0x7F800000u); // moves 0x00800000 to 0x7F7FFFFF, the normal numbers, to the end of the signed range
     Vec<Zet16s> normal_ = as_lanes<Zet16s>(splat(0xFEFF7FFFu)); // tells by upper halves; no lower one is above it
-    I root_ = splat(0x3F3504F3), exponent_ = splat(-0x00800000);
+    U root_ = splat(0x3F3504F3u), exponent_ = splat(0xFF800000u);
     F one_ = splat(1.0f), p0_ = splat(0x1.55557Ap-1f), p1_ = splat(0x1.995EBAp-2f), p2_ = splat(0x1.31E2F2p-2f);
     F ln2_ = splat(0x1.62E43p-24f); // times 2^-23, within 2^-28.4; a number so short that k ln 2 is exact for |k| <= 8
 };
